@@ -17,7 +17,7 @@ build: configure
 	@cmake --build build -j $(JOBS)
 
 run: build
-	@build/bin/sentrune demo
+	@build/bin/sentrune --home build/run-home options
 
 test: build
 	@ctest --test-dir build --output-on-failure -j $(JOBS)

@@ -24,6 +24,8 @@ inline constexpr int32_t kInvalidProcedureCall = 5;
 // TYPE_E_ELEMENTNOTFOUND style failure of the type library loader for a file
 // that holds no type library.
 inline constexpr int32_t kNotATypeLibrary = -2147220990;  // 0x80040202
+// TYPE_E_CANTLOADLIBRARY: a type library that is there but cannot be decoded.
+inline constexpr int32_t kCantLoadTypeLibrary = -2147312566;  // 0x80029C4A
 }  // namespace errnum
 
 struct VbError {

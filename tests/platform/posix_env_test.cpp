@@ -1,0 +1,132 @@
+#include "platform/posix/posix_env.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <thread>
+
+#include "host_fixtures.h"
+#include "platform/posix/user_dirs.h"
+
+namespace sentrune::posix {
+namespace {
+
+using test::ScopedEnv;
+using test::TempFolder;
+
+TEST(UserDirs, ParsesTheFreedesktopFile) {
+  const std::string text =
+      "# written by xdg-user-dirs-update\n"
+      "XDG_DOWNLOAD_DIR=\"$HOME/Downloads\"\n"
+      "XDG_DESKTOP_DIR=\"$HOME/Old\"\n"
+      "  XDG_DESKTOP_DIR = \"$HOME/Mein \\\"Schreibtisch\\\"\"\n";
+  EXPECT_EQ(ParseUserDir(text, "XDG_DESKTOP_DIR", "/home/u"), "/home/u/Mein \"Schreibtisch\"");
+  EXPECT_EQ(ParseUserDir(text, "XDG_DOWNLOAD_DIR", "/home/u"), "/home/u/Downloads");
+  EXPECT_EQ(ParseUserDir("XDG_DESKTOP_DIR=\"/srv/desk\"", "XDG_DESKTOP_DIR", "/h"), "/srv/desk");
+  EXPECT_EQ(ParseUserDir("XDG_DESKTOP_DIR=\"$HOME\"", "XDG_DESKTOP_DIR", "/h"), "/h");
+  EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=\"desk\"", "XDG_DESKTOP_DIR", "/h"));
+  EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=$HOME/desk", "XDG_DESKTOP_DIR", "/h"));
+  EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=\"$HOMEX/desk\"", "XDG_DESKTOP_DIR", "/h"));
+  EXPECT_FALSE(ParseUserDir(text, "XDG_MUSIC_DIR", "/home/u"));
+}
+
+// A user whose home, configuration and temporary folders live on drive T:.
+class PosixEnvFolders : public ::testing::Test {
+ protected:
+  PosixEnvFolders() { root_.MakeFolder("tmp"); }
+
+  TempFolder root_;
+  ScopedEnv home_{"HOME", root_ / "home"};
+  ScopedEnv config_{"XDG_CONFIG_HOME", root_ / "home/.config"};
+  ScopedEnv tmp_{"TMPDIR", root_ / "tmp"};
+  ScopedEnv prefix_{"WINEPREFIX", std::nullopt};
+
+  PosixEnv MakeEnv(std::string wineprefix = "") {
+    PosixEnvOptions options;
+    options.homeHostDir = root_ / "home/.config/sentrune";
+    options.wineprefix = std::move(wineprefix);
+    options.drives = {{'T', root_.path()}};
+    options.associations = {{"vbp", "C:\\VB98\\VB6.EXE"}};
+    return PosixEnv(std::move(options));
+  }
+};
+
+TEST_F(PosixEnvFolders, FoldersAreWindowsPathsOnTheMappedDrives) {
+  root_.MakeFolder("home/.config/sentrune");
+  PosixEnv env = MakeEnv();
+  EXPECT_EQ(env.ModuleFolder(), "T:\\home\\.config\\sentrune\\");
+  EXPECT_EQ(env.ModuleName(), "Sentrune");
+  EXPECT_EQ(env.TempPath(), "T:\\tmp\\");
+  EXPECT_EQ(env.SpecialFolderPath(platform::kFolderAppData), "T:\\home\\.config");
+  EXPECT_EQ(env.SpecialFolderPath(platform::kFolderSystem), "");
+  EXPECT_EQ(env.SpecialFolderPath(0x1234), "");
+  EXPECT_FALSE(env.NetworkConnection("T:"));
+}
+
+TEST_F(PosixEnvFolders, DesktopComesFromUserDirsElseHomeDesktopIfItExists) {
+  EXPECT_EQ(MakeEnv().SpecialFolderPath(platform::kFolderDesktop), "");
+  root_.MakeFolder("home/Desktop");
+  EXPECT_EQ(MakeEnv().SpecialFolderPath(platform::kFolderDesktop), "T:\\home\\Desktop");
+  root_.Write("home/.config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n");
+  root_.MakeFolder("home/Schreibtisch");
+  EXPECT_EQ(MakeEnv().SpecialFolderPath(platform::kFolderDesktop), "T:\\home\\Schreibtisch");
+}
+
+TEST_F(PosixEnvFolders, SystemFolderNeedsAWinePrefix) {
+  TempFolder prefix;
+  prefix.MakeFolder("drive_c/windows/system32");
+  prefix.MakeFolder("dosdevices");
+  ASSERT_EQ(symlink("../drive_c", (prefix / "dosdevices/c:").c_str()), 0);
+  PosixEnv env = MakeEnv(prefix.path());
+  EXPECT_EQ(env.WinePrefix(), prefix.path());
+  EXPECT_EQ(env.SpecialFolderPath(platform::kFolderSystem), "C:\\windows\\system32");
+  EXPECT_TRUE(env.Files().GetAttributes("C:\\Windows\\System32").ok());
+}
+
+TEST_F(PosixEnvFolders, ProgramsRunThroughTheShell) {
+  PosixEnv env = MakeEnv();
+  platform::Processes& programs = env.Programs();
+  EXPECT_EQ(*programs.Run("exit 3"), 3);
+  EXPECT_EQ(*programs.Run("printf %s 'two words' > \"" + (root_ / "tmp/out file") + "\""), 0);
+  EXPECT_EQ(*env.Files().ReadFile("T:\\tmp\\out file"), "two words");
+  EXPECT_EQ(programs.Run("no-such-program-for-sentrune").error().number, 53);
+
+  ASSERT_TRUE(programs.Start("echo started > \"" + (root_ / "tmp/started") + "\"").ok());
+  for (int i = 0; i < 200 && !env.Files().ReadFile("T:\\tmp\\started").ok(); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+  EXPECT_EQ(*env.Files().ReadFile("T:\\tmp\\started"), "started\n");
+}
+
+TEST_F(PosixEnvFolders, FindExecutableKnowsOnlyConfiguredAssociations) {
+  root_.Write("tmp/Dummy.VBP", "Test");
+  root_.Write("tmp/Dummy.txt", "Test");
+  PosixEnv env = MakeEnv();
+  std::string program;
+  EXPECT_EQ(env.Programs().FindExecutable("T:\\tmp\\Dummy.txt", program), 31);
+  EXPECT_EQ(program, "");
+  EXPECT_EQ(env.Programs().FindExecutable("T:\\tmp\\Missing.vbp", program), 2);
+  EXPECT_EQ(env.Programs().FindExecutable("T:\\nowhere\\Dummy.vbp", program), 3);
+  EXPECT_GE(env.Programs().FindExecutable("T:\\TMP\\dummy.vbp", program), 32);
+  EXPECT_EQ(program, "C:\\VB98\\VB6.EXE");
+}
+
+TEST(PosixClock, ReportsLocalTime) {
+  ScopedEnv zone("TZ", "UTC-13");  // far from UTC, so a clock in UTC would be caught
+  const PosixClock clock;
+  const time_t shifted = time(nullptr) + 13 * 3600;
+  tm fields{};
+  gmtime_r(&shifted, &fields);
+  const rt::DateTime expected{fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
+                              fields.tm_hour,        fields.tm_min,     fields.tm_sec};
+  EXPECT_LE(std::llabs(rt::DateDiffSeconds(expected, clock.Now())), 2);
+  const double expectedTimer = fields.tm_hour * 3600.0 + fields.tm_min * 60.0 + fields.tm_sec;
+  const double apart = std::fmod(clock.Timer() - expectedTimer + 86400 + 43200, 86400) - 43200;
+  EXPECT_LE(std::abs(apart), 2.0);
+}
+
+}  // namespace
+}  // namespace sentrune::posix

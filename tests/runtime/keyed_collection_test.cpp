@@ -1,0 +1,68 @@
+#include "runtime/keyed_collection.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace sentrune::rt {
+namespace {
+
+std::string Keys(const KeyedCollection<int>& c) {
+  std::string out;
+  for (const auto& entry : c) out += entry.key() + "=" + std::to_string(entry.item) + " ";
+  return out;
+}
+
+TEST(KeyedCollection, KeysIgnoreCaseAndTheFirstAddWins) {
+  KeyedCollection<int> c;
+  EXPECT_TRUE(c.Add("Widgets", 1));
+  EXPECT_FALSE(c.Add("WIDGETS", 2));
+  EXPECT_TRUE(c.Add("\u00C9t\u00E9", 3));
+  ASSERT_NE(c.Find("widgets"), nullptr);
+  EXPECT_EQ(*c.Find("widgets"), 1);
+  EXPECT_EQ(*c.Find("\u00E9T\u00C9"), 3);
+  EXPECT_EQ(c.Find("Widget"), nullptr);
+  EXPECT_FALSE(c.Contains("missing"));
+  EXPECT_EQ(c.size(), 2u);
+  EXPECT_EQ(c.keyAt(0), "Widgets");  // the key keeps the case it was added with
+}
+
+TEST(KeyedCollection, RemovalKeepsOrderAndLookups) {
+  KeyedCollection<int> c;
+  for (const char* key : {"a", "b", "c", "d"}) ASSERT_TRUE(c.Add(key, key[0]));
+  EXPECT_TRUE(c.Remove("B"));
+  EXPECT_FALSE(c.Remove("b"));
+  EXPECT_EQ(Keys(c), "a=97 c=99 d=100 ");
+  EXPECT_EQ(*c.Find("d"), 'd');
+  EXPECT_TRUE(c.Add("b", 1));
+  EXPECT_EQ(c.at(3), 1);
+  EXPECT_THROW(c.at(4), std::out_of_range);
+  c.Clear();
+  EXPECT_TRUE(c.empty());
+  EXPECT_EQ(c.Find("a"), nullptr);
+  EXPECT_TRUE(c.Add("a", 2));
+  EXPECT_EQ(Keys(c), "a=2 ");
+}
+
+TEST(KeyedCollection, LargeCollectionStaysConsistentAfterRemovals) {
+  KeyedCollection<int> c;
+  for (int i = 0; i < 1200; ++i) ASSERT_TRUE(c.Add("Member" + std::to_string(i), i));
+  for (int i = 0; i < 1200; i += 3) ASSERT_TRUE(c.Remove("MEMBER" + std::to_string(i)));
+  ASSERT_EQ(c.size(), 800u);
+  for (int i = 0; i < 1200; ++i) {
+    const int* item = c.Find("member" + std::to_string(i));
+    if (i % 3 == 0) {
+      EXPECT_EQ(item, nullptr) << i;
+    } else {
+      ASSERT_NE(item, nullptr) << i;
+      EXPECT_EQ(*item, i);
+    }
+  }
+  for (auto& entry : c) entry.item = -entry.item;
+  EXPECT_EQ(c.at(0), -1);
+  EXPECT_EQ(c.keyAt(799), "Member1199");
+  EXPECT_EQ(*std::as_const(c).Find("Member1199"), -1199);
+}
+
+}  // namespace
+}  // namespace sentrune::rt

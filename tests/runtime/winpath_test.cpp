@@ -1,0 +1,117 @@
+#include "runtime/winpath.h"
+
+#include <gtest/gtest.h>
+
+namespace sentrune::rt {
+namespace {
+
+TEST(WinPath, SplitsAtTheLastBackslashAndDot) {
+  struct Case {
+    const char* path;
+    const char* folder;
+    const char* title;
+    const char* extension;
+    const char* stripped;
+  };
+  const Case cases[] = {
+      {"C:\\Src\\Widgets\\Widgets.dll", "C:\\Src\\Widgets\\", "Widgets.dll", ".dll",
+       "C:\\Src\\Widgets\\Widgets"},
+      {"C:\\a.b\\c", "C:\\a.b\\", "c", ".b\\c", "C:\\a"},
+      {"report", "", "report", "", "report"},
+      {"C:\\x\\", "C:\\x\\", "", "", "C:\\x\\"},
+      {"a/b.txt", "", "a/b.txt", ".txt", "a/b"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path);
+    EXPECT_EQ(GetFolder(c.path), c.folder);
+    EXPECT_EQ(GetFileTitle(c.path), c.title);
+    EXPECT_EQ(GetExtension(c.path), c.extension);
+    EXPECT_EQ(StripExtension(c.path), c.stripped);
+  }
+  EXPECT_EQ(AddBackslash("C:\\x"), "C:\\x\\");
+  EXPECT_EQ(AddBackslash("C:\\x\\"), "C:\\x\\");
+  EXPECT_EQ(AddBackslash(""), "\\");
+}
+
+TEST(WinPath, ParseNormalisesAbsolutePaths) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"c:\\a\\.\\b\\..\\c", "C:\\a\\c"},
+      {"C:/a//b/", "C:\\a\\b\\"},
+      {"C:\\..\\..\\x", "C:\\x"},
+      {"C:\\", "C:\\"},
+      {"C:\\a\\..", "C:\\"},
+      {"\\\\srv\\Share\\dir\\..\\f.txt", "\\\\srv\\Share\\f.txt"},
+      {"//srv/share", "\\\\srv\\share"},
+      {"\\\\srv\\share\\", "\\\\srv\\share\\"},
+  };
+  for (const auto& [in, joined] : cases) {
+    const auto parsed = ParseWinPath(in);
+    ASSERT_TRUE(parsed) << in;
+    EXPECT_EQ(JoinWinPath(*parsed), joined) << in;
+  }
+  const auto unc = ParseWinPath("\\\\srv\\Share\\a\\b\\");
+  ASSERT_TRUE(unc);
+  EXPECT_EQ(unc->root, "\\\\srv\\Share");
+  EXPECT_EQ(unc->parts, (std::vector<std::string>{"a", "b"}));
+  EXPECT_TRUE(unc->trailingSlash);
+  for (const char* relative : {"", "a\\b", "C:a", "C:", "\\a", "\\\\srv", "\\\\srv\\", "1:\\x"})
+    EXPECT_FALSE(ParseWinPath(relative)) << relative;
+}
+
+TEST(WinPath, RelativePathFollowsShlwapi) {
+  struct Case {
+    const char* from;
+    bool fromIsDir;
+    const char* to;
+    bool toIsDir;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"C:\\a\\b", true, "C:\\a\\c\\d.txt", false, "..\\c\\d.txt"},
+      {"C:\\a", true, "C:\\a\\b.txt", false, ".\\b.txt"},
+      {"C:\\a\\b\\path", true, "C:\\a\\x\\y\\file", false, "..\\..\\x\\y\\file"},
+      {"C:\\Src\\App\\App.vbp", false, "C:\\Src\\Lib\\Widget.cls", false, "..\\Lib\\Widget.cls"},
+      // A project file declared a directory gives one level too many.
+      {"C:\\Src\\App\\App.vbp", true, "C:\\Src\\Lib\\Widget.cls", true,
+       "..\\..\\Lib\\Widget.cls"},
+      {"c:\\SRC\\app", true, "C:\\src\\App\\x.frm", false, ".\\x.frm"},
+      {"C:\\a", true, "C:\\ab\\x", false, "..\\ab\\x"},  // whole components only
+      {"C:\\a", true, "C:\\a", true, "."},
+      {"C:\\a\\b", true, "C:\\a", true, ".."},
+      {"C:\\x.txt", false, "C:\\y\\z.txt", false, ".\\y\\z.txt"},
+      {"C:\\a", true, "C:\\a\\b\\", true, ".\\b\\"},
+      {"\\\\srv\\s\\a", true, "\\\\SRV\\S\\b\\c.txt", false, "..\\b\\c.txt"},
+  };
+  for (const Case& c : cases) {
+    const auto relative = PathRelativePathTo(c.from, c.fromIsDir, c.to, c.toIsDir);
+    ASSERT_TRUE(relative) << c.from << " -> " << c.to;
+    EXPECT_EQ(*relative, c.expected) << c.from << " -> " << c.to;
+  }
+  EXPECT_FALSE(PathRelativePathTo("C:\\a", true, "D:\\a", true));
+  EXPECT_FALSE(PathRelativePathTo("\\\\srv\\s1\\a", true, "\\\\srv\\s2\\a", true));
+  EXPECT_FALSE(PathRelativePathTo("a\\b", true, "a\\c", true));
+}
+
+TEST(WinPath, WildcardMatchesLikeFindFirstFile) {
+  struct Case {
+    const char* pattern;
+    const char* name;
+    bool matches;
+  };
+  const Case cases[] = {
+      {"*", "anything.at.all", true},     {"*.dll", "Widgets.DLL", true},
+      {"*.dll", "Widgets.dll.bak", false}, {"*.dll", "Widgets.ocx", false},
+      {"a?c.txt", "abc.txt", true},        {"a?c.txt", "ac.txt", false},
+      {"a?c.txt", "abbc.txt", false},      {"*.*", "Makefile", true},
+      {"*.*", "a.b", true},                {"readme.*", "README", true},
+      {"*.", "Makefile", true},            {"*.", "a.txt", false},
+      {"\u00C9*", "\u00E9t\u00E9", true},  {"?", "\u00E9", true},
+      {"*a*b", "xaxxb", true},             {"*a*b", "xaxxbx", false},
+      {"", "", true},                      {"", "a", false},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(WildcardMatch(c.pattern, c.name), c.matches) << c.pattern << " ~ " << c.name;
+}
+
+}  // namespace
+}  // namespace sentrune::rt

@@ -1,0 +1,117 @@
+#pragma once
+// An in-memory file system that behaves as the add-in expects Windows to:
+// names are matched without regard to case and keep the case they were
+// created with, files report archive, read-only files refuse deletion and
+// overwriting. Every drive (and share) exists unless LimitDrives says
+// otherwise. It records every change it made, and a test can make the next
+// call of an operation fail with a chosen error number.
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/env.h"
+#include "platform/file_system.h"
+
+namespace sentrune::testing {
+
+enum class FsOp {
+  kGetAttributes, kSetAttributes, kGetTime, kSetTime, kRead, kWrite, kAppend, kDelete,
+  kRename, kCopy, kCreateDirectory, kRemoveDirectory, kMakeSure, kList, kLongPath,
+};
+
+// The changes made through the FileSystem interface, in order, with paths
+// as the caller wrote them. Setup helpers (AddFile, AddFolder) are not
+// recorded, and neither are calls that failed.
+struct FsRecord {
+  std::vector<std::string> written;         // WriteFile and AppendFile
+  std::vector<std::string> deleted;         // DeleteFile
+  std::vector<std::pair<std::string, uint32_t>> attributeSets;
+  std::vector<std::pair<std::string, rt::DateTime>> timeSets;
+  std::vector<std::pair<std::string, std::string>> copies;   // from, to
+  std::vector<std::pair<std::string, std::string>> renames;  // from, to
+  std::vector<std::string> createdFolders;  // CreateDirectory, and each folder MakeSure... created
+  std::vector<std::string> removedFolders;
+};
+
+class FakeFileSystem : public platform::FileSystem {
+ public:
+  static constexpr rt::DateTime kDefaultTime{2004, 5, 6, 14, 3, 9};
+
+  // --- Setup, not recorded. Missing parent folders are created.
+  void AddFile(const std::string& path, std::string bytes, rt::DateTime mtime = kDefaultTime);
+  void AddFolder(const std::string& path);
+  // From now on only these drive letters exist ("CT"); other drives fail
+  // with 71 and shares with 76.
+  void LimitDrives(std::string_view letters);
+  // Files written from now on get this clock's Now (else kDefaultTime).
+  void UseClock(const platform::Clock* clock) { clock_ = clock; }
+  // The next call of `op` whose path (either path for copy and rename)
+  // names `path` fails with `errorNumber` and changes nothing; an empty
+  // `path` matches any. MakeSureDirectoryPathExists also consults
+  // kCreateDirectory for each folder it would create.
+  void FailNext(FsOp op, const std::string& path, int32_t errorNumber);
+
+  // --- Inspection.
+  bool Exists(const std::string& path) const;
+  bool IsFolder(const std::string& path) const;
+  // The bytes of a file; nothing for a folder or a missing path.
+  std::optional<std::string> Contents(const std::string& path) const;
+  // Every stored file and folder in its stored spelling, sorted ignoring case.
+  std::vector<std::string> Paths() const;
+  const FsRecord& Record() const { return record_; }
+  void ClearRecord() { record_ = {}; }
+
+  // --- platform::FileSystem
+  rt::Result<uint32_t> GetAttributes(const std::string& path) const override;
+  rt::Status SetAttributes(const std::string& path, uint32_t attributes) override;
+  rt::Result<rt::DateTime> GetLastWriteTime(const std::string& path) const override;
+  rt::Status SetLastWriteTime(const std::string& path, const rt::DateTime& time) override;
+  rt::Result<std::string> ReadFile(const std::string& path) const override;
+  rt::Status WriteFile(const std::string& path, std::string_view bytes) override;
+  rt::Status AppendFile(const std::string& path, std::string_view bytes) override;
+  rt::Status DeleteFile(const std::string& path) override;
+  rt::Status RenameReplace(const std::string& from, const std::string& to) override;
+  rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override;
+  rt::Status CreateDirectory(const std::string& path) override;
+  rt::Status RemoveDirectory(const std::string& path) override;
+  rt::Status MakeSureDirectoryPathExists(const std::string& path) override;
+  rt::Result<std::vector<platform::DirEntry>> List(const std::string& pattern) const override;
+  rt::Result<std::string> GetLongPathName(const std::string& path) const override;
+
+ private:
+  struct Node {
+    std::string path;  // stored spelling
+    bool folder = false;
+    std::string bytes;
+    rt::DateTime mtime = kDefaultTime;
+    uint32_t attributes = 0;  // the stored bits: read-only, hidden, system
+    bool ReadOnly() const { return !folder && (attributes & platform::kAttrReadOnly); }
+  };
+  struct Where;
+
+  rt::Result<Where> Locate(const std::string& path) const;
+  rt::Result<Where> LocateExisting(const std::string& path) const;
+  std::optional<rt::VbError> TakeFailure(FsOp op, const std::string& path,
+                                         const std::string& other = {}) const;
+  rt::Status Put(const std::string& path, std::string_view bytes, bool append, FsOp op);
+  Node& Create(const Where& where, bool folder);
+  rt::DateTime NowForWrites() const;
+  uint32_t AttributesOf(const Node& node) const;
+
+  std::map<std::string, Node> nodes_;  // by upper-cased canonical path
+  std::string drives_;                 // empty: every drive exists
+  const platform::Clock* clock_ = nullptr;
+  struct Failure {
+    FsOp op;
+    std::string key;
+    int32_t number;
+  };
+  mutable std::vector<Failure> failures_;
+  FsRecord record_;
+};
+
+}  // namespace sentrune::testing
