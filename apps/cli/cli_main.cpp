@@ -1,10 +1,68 @@
 #include "cli_main.h"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "commands.h"
+#include "session.h"
+
 namespace sentrune::cli {
-int Main(int, char**) {
-  std::cout << "sentrune " << SENTRUNE_VERSION << "\n";
-  return 0;
+namespace {
+
+constexpr const char* kFooter = R"(
+Paths may be given as host paths (/home/me/src/Widgets.vbp) or as Windows paths
+(C:\Src\Widgets.vbp); drive letters map to host folders as Wine maps them: Z: is
+/, a Wine prefix adds its drives, --drive adds or overrides one.
+
+The add-in's folder (--home) holds its INI file of options, the trace file and
+the Logs folder; by default it is $XDG_CONFIG_HOME/sentrune (~/.config/sentrune).
+
+Exit status: 0 done, 1 something was found or a step ended the run, 2 bad input.
+
+Examples:
+  sentrune options                                 show every option
+  sentrune options set ActiveX_DLL_CreateBackup Yes
+  sentrune --home ./cfg options reset              write the start values again)";
+
+void AddGlobalOptions(CLI::App& app, GlobalOptions& global) {
+  app.add_option("--home", global.home, "The add-in's folder (options, trace, logs)")
+      ->type_name("DIR");
+  auto* yes = app.add_flag("--yes,-y", global.yes, "Answer Yes (or OK) to every question");
+  auto* no = app.add_flag("--no,-n", global.no, "Answer No (or Cancel) to every question");
+  yes->excludes(no);
+  app.add_option("--drive", global.drives, "Map a drive letter to a host folder")
+      ->type_name("X=DIR")
+      ->each([](const std::string& value) {
+        if (value.size() < 3 || value[1] != '=' || !std::isalpha(static_cast<unsigned char>(value[0])))
+          throw CLI::ValidationError("--drive", "expected X=DIR, got '" + value + "'");
+      });
+  app.add_option("--wineprefix", global.wineprefix, "Wine prefix whose drives to use")
+      ->type_name("DIR");
 }
+
+}  // namespace
+
+int Main(int argc, char** argv) {
+  Session session(std::cin, std::cout, std::cerr);
+  CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
+  app.footer(kFooter);
+  app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
+  app.require_subcommand(0, 1);
+  AddGlobalOptions(app, session.global);
+  AddOptionsCommand(app, session);
+  AddInspectCommand(app, session);
+  AddCompareCommand(app, session);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    const int status = app.exit(e, session.out, session.err);
+    return status == 0 ? kExitOk : kExitBadInput;
+  }
+  if (app.get_subcommands().empty()) {
+    session.out << app.help();
+    return kExitOk;
+  }
+  return session.exitCode;
+}
+
 }  // namespace sentrune::cli

@@ -1,0 +1,94 @@
+// `sentrune options`: the options dialog on the command line.
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "commands.h"
+#include "platform/console/console_ui.h"
+#include "session.h"
+#include "settings/frm_options.h"
+#include "settings/options_handler.h"
+
+namespace sentrune::cli {
+namespace {
+
+struct OptionsArgs {
+  std::string key;
+  std::string value;
+};
+
+// The dialog's grid, with each row's store key added as a last column so
+// that the user sees what `options set` takes.
+void ShowGrid(Session& session) {
+  frmOptions form(session.options());
+  form.Open();
+  platform::FormView view = form.View();
+  for (const clsConfigItem& item : form.Items()) {
+    const auto row = static_cast<size_t>(item.GridRow);
+    if (row < view.rows.size()) view.rows[row].cells.push_back(item.CFGKey);
+  }
+  session.out << console::RenderForm(view);
+  form.Close();
+}
+
+void SetOne(Session& session, const OptionsArgs& args) {
+  frmOptions form(session.options());
+  form.Open();
+  if (const rt::Status set = form.SetValue(args.key, args.value); !set.ok()) {
+    session.Fail(set.error().description);
+    return;
+  }
+  if (form.SaveSettings() != 0) {
+    session.Fail("could not write the options file");
+    return;
+  }
+  session.out << args.key << " = " << form.CellText(args.key) << '\n';
+}
+
+void Reset(Session& session) {
+  frmOptions form(session.options());
+  form.Open();
+  form.ResetToStartValues();
+  if (form.SaveSettings() != 0) {
+    session.Fail("could not write the options file");
+    return;
+  }
+  session.out << "Every option has its start value again.\n";
+}
+
+// Opens the session; on failure reports it and tells the caller to stop.
+bool Opened(Session& session) {
+  if (const rt::Status opened = session.Open(); !opened.ok()) {
+    session.Fail(opened.error().description);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void AddOptionsCommand(CLI::App& app, Session& session) {
+  CLI::App* options = app.add_subcommand(
+      "options", "Show the options grid; 'set' changes one option, 'reset' restores the start values");
+  options->footer(
+      "Keys are the store keys: per project type ActiveX_DLL_CreateBackup and the like\n"
+      "(prefixes Standard_EXE, ActiveX_EXE, ActiveX_DLL, ActiveX_OCX), general options by\n"
+      "name (BackupFileCount). Yes/No options take Yes or No; step options Yes, No or Prompt.");
+  auto args = std::make_shared<OptionsArgs>();
+  CLI::App* set = options->add_subcommand("set", "Change one option: KEY VALUE");
+  set->add_option("key", args->key, "The option's store key")->required();
+  set->add_option("value", args->value, "Its new value")->required();
+  CLI::App* reset = options->add_subcommand("reset", "Write every option's start value again");
+  options->require_subcommand(0, 1);
+
+  set->callback([&session, args] {
+    if (Opened(session)) SetOne(session, *args);
+  });
+  reset->callback([&session] {
+    if (Opened(session)) Reset(session);
+  });
+  options->callback([&session, options] {
+    if (options->get_subcommands().empty() && Opened(session)) ShowGrid(session);
+  });
+}
+
+}  // namespace sentrune::cli

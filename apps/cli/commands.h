@@ -1,0 +1,15 @@
+#pragma once
+// Every subcommand of the host, each added by its own file.
+namespace CLI {
+class App;
+}
+
+namespace sentrune::cli {
+
+class Session;
+
+void AddOptionsCommand(CLI::App& app, Session& session);
+void AddInspectCommand(CLI::App& app, Session& session);
+void AddCompareCommand(CLI::App& app, Session& session);
+
+}  // namespace sentrune::cli

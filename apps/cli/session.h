@@ -1,0 +1,64 @@
+#pragma once
+// One invocation of the command-line host: the global options, and the
+// platform and add-in objects built from them on first use.
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/addin_state.h"
+#include "runtime/result.h"
+
+namespace sentrune {
+class OptionsHandler;
+}
+
+namespace sentrune::cli {
+
+struct GlobalOptions {
+  std::string home;  // the add-in's folder; default from XDG
+  bool yes = false;
+  bool no = false;
+  std::vector<std::string> drives;  // "X=DIR"
+  std::string wineprefix;
+};
+
+// Exit statuses shared by every command.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitStopped = 1;  // ran, but found something or a step ended it
+inline constexpr int kExitBadInput = 2;
+
+class Session {
+ public:
+  Session(std::istream& in, std::ostream& out, std::ostream& err);
+  ~Session();
+
+  GlobalOptions global;
+  std::ostream& out;
+  std::ostream& err;
+  int exitCode = kExitOk;
+
+  // Builds the platform, the add-in's state and the options (applying the
+  // first-run rule) once; fails with a message for a bad --drive, --home or
+  // --wineprefix.
+  rt::Status Open();
+  AddinState& state();
+  OptionsHandler& options();
+  // A command-line path in the core's form: Windows paths pass through, host
+  // paths are converted (like `winepath -w`).
+  rt::Result<std::string> ToWindowsPath(const std::string& argument);
+  // The host form of a Windows path, for messages a terminal user can act on.
+  std::string ToHostPath(const std::string& windowsPath);
+
+  // Reports a failure on the error stream and sets the exit status to 2.
+  void Fail(const std::string& message);
+
+ private:
+  struct Parts;
+  std::istream& in_;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace sentrune::cli

@@ -1,0 +1,26 @@
+#pragma once
+// The add-in's state over in-memory fakes: a scripted user, a file system
+// that records what it touched, and the portable readers on top of it.
+#include "host/addin_state.h"
+#include "platform/portable/ini_file.h"
+#include "platform/portable/typelib_source_portable.h"
+#include "platform/portable/version_resources_portable.h"
+#include "support/fake_env.h"
+#include "support/fake_ui.h"
+
+namespace sentrune::testing {
+
+struct TestAddin {
+  FakeEnv env;
+  FakeUi ui;
+  portable::PortableProfileFiles profiles{env.Files()};
+  portable::PortableVersionResources versions{env.Files()};
+  portable::PortableTypeLibSource typelibs{env.Files()};
+  AddinState state{Platform{env, ui, profiles, versions, typelibs}};
+
+  FakeFileSystem& files() { return env.Files(); }
+  // The trace file's lines, without their CR LF.
+  std::vector<std::string> TraceLines();
+};
+
+}  // namespace sentrune::testing
