@@ -1,0 +1,45 @@
+#pragma once
+// What one build did, in plain terms, for a host that reports it (the
+// command line prints it after a build). The steps fill it as they go; it
+// never influences what they do.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sentrune {
+
+struct BuildReport {
+  struct Copy {
+    std::string what;  // "component backup", "release copy backup"
+    std::string path;
+  };
+  struct Step {
+    std::string procedure;  // "lfncManageCompatEX"
+    int32_t code = 0;
+  };
+  // A source file a snapshot had to place under "_outside\" because the
+  // project names it outside the project's folder.
+  struct OutsideFile {
+    std::string source;       // full path it was copied from
+    std::string destination;  // full path inside the snapshot
+  };
+
+  std::vector<Copy> backups;
+  std::string modelSetUp;  // the model lfncManageCompatEX made
+  std::optional<int32_t> differencesBefore;
+  std::optional<int32_t> differencesAfter;
+  bool updateNeeded = false;
+  std::string modelUpdated;  // the model lfncUpdateCompatEX made
+  bool historyRecorded = false;
+  std::string snapshotFolder;
+  std::vector<OutsideFile> snapshotOutside;
+  std::string releaseCopy;
+  // Every step the chain ran, in order, with its code; the last one is the
+  // step that ended the chain (its code is not 0 when it stopped it).
+  std::vector<Step> steps;
+
+  const Step* EndedBy() const { return steps.empty() ? nullptr : &steps.back(); }
+};
+
+}  // namespace sentrune

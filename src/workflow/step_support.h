@@ -1,0 +1,64 @@
+#pragma once
+// What the build steps share: the option gate, their question, dated names
+// and the folders each project remembers in its tracking database.
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "files/frm_file_handler.h"
+#include "host/addin_state.h"
+#include "platform/ide.h"
+#include "settings/option_set.h"
+#include "tracking/jet351.h"
+
+namespace sentrune {
+
+// The step's value (0 No, 1 Yes, 2 Prompt) for the project's type; 0 for a
+// type the options do not know.
+int16_t StepValue(const std::array<int16_t, kProjectTypeCount>& option, const platform::VBProject& project);
+inline constexpr int16_t kAskFirst = 2;
+
+// The project's tracking database: the project file with its extension
+// replaced by ".stn"; empty for a project never saved.
+std::string TrackingDatabaseName(const platform::VBProject& project);
+
+// The folders one project remembers ("CompBackupBase", "CompatBase", ...).
+// A project never saved has no database and so remembers nothing.
+class RememberedFolders {
+ public:
+  // The state must outlive this object.
+  RememberedFolders(AddinState& state, const platform::VBProject& project);
+  // Empty when nothing is stored.
+  std::string Get(const std::string& name);
+  void Store(const std::string& name, const std::string& folder);
+
+ private:
+  std::optional<clsJet351> jet_;
+};
+
+struct StepQuestion {
+  std::string caption;
+  std::string prompt;
+  int32_t dialogType = 2;
+  std::string source;
+  std::string destination;
+  // Lets the user edit the destination and browse for its folder, starting
+  // at browseStartPath (the destination's folder when empty).
+  bool editable = false;
+  std::string browseStartPath{};
+};
+
+// Shows the question through frmFileHandlerEX; the form as it was closed
+// (SelectedButton, DestinationFile).
+frmFileHandlerEX AskStep(AddinState& state, const StepQuestion& question);
+
+// The file name of a dated copy of the component ("Widgets-2004.05.06-
+// 14.03.09.dll"); empty when the component's time cannot be read.
+std::string DatedFileName(const platform::FileSystem& fs, const OptionSet& options,
+                          const std::string& component);
+// The component's folder + "Compat\" + its dated file name.
+std::string DefaultModelPath(const platform::FileSystem& fs, const OptionSet& options,
+                             const std::string& component);
+
+}  // namespace sentrune

@@ -1,0 +1,24 @@
+#pragma once
+// What the project sinks and the build steps reach of the add-in around
+// them. The host (Connect) owns every part and hands this down, so that the
+// workflow never reaches a global.
+#include "host/addin_state.h"
+#include "platform/ide.h"
+#include "settings/options_handler.h"
+#include "tracking/activity_tracker.h"
+
+namespace sentrune {
+
+class frmAddinMain;
+
+struct WorkflowServices {
+  AddinState& state;
+  OptionsHandler& options;  // its option set is read afresh by every step
+  platform::VBE& ide;       // gobjVBInstance
+  ActivityTracker& tracker;
+  frmAddinMain& mainForm;
+
+  const OptionSet& optionSet() const { return options.options(); }
+};
+
+}  // namespace sentrune
