@@ -50,6 +50,8 @@ int Main(int argc, char** argv) {
   app.require_subcommand(0, 1);
   AddGlobalOptions(app, session.global);
   AddOptionsCommand(app, session);
+  AddBuildCommand(app, session);
+  AddDemoCommand(app, session);
   AddInspectCommand(app, session);
   AddCompareCommand(app, session);
   try {

@@ -55,15 +55,6 @@ void Reset(Session& session) {
   session.out << "Every option has its start value again.\n";
 }
 
-// Opens the session; on failure reports it and tells the caller to stop.
-bool Opened(Session& session) {
-  if (const rt::Status opened = session.Open(); !opened.ok()) {
-    session.Fail(opened.error().description);
-    return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 void AddOptionsCommand(CLI::App& app, Session& session) {
@@ -81,13 +72,13 @@ void AddOptionsCommand(CLI::App& app, Session& session) {
   options->require_subcommand(0, 1);
 
   set->callback([&session, args] {
-    if (Opened(session)) SetOne(session, *args);
+    if (session.Ready()) SetOne(session, *args);
   });
   reset->callback([&session] {
-    if (Opened(session)) Reset(session);
+    if (session.Ready()) Reset(session);
   });
   options->callback([&session, options] {
-    if (options->get_subcommands().empty() && Opened(session)) ShowGrid(session);
+    if (options->get_subcommands().empty() && session.Ready()) ShowGrid(session);
   });
 }
 

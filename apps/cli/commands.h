@@ -9,6 +9,8 @@ namespace sentrune::cli {
 class Session;
 
 void AddOptionsCommand(CLI::App& app, Session& session);
+void AddBuildCommand(CLI::App& app, Session& session);
+void AddDemoCommand(CLI::App& app, Session& session);
 void AddInspectCommand(CLI::App& app, Session& session);
 void AddCompareCommand(CLI::App& app, Session& session);
 

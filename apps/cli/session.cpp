@@ -13,6 +13,8 @@
 #include "platform/portable/version_resources_portable.h"
 #include "platform/posix/drive_map.h"
 #include "platform/posix/posix_env.h"
+#include "host/connect.h"
+#include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
 
 namespace sentrune::cli {
@@ -50,7 +52,12 @@ struct Session::Parts {
   std::unique_ptr<portable::PortableVersionResources> versions;
   std::unique_ptr<portable::PortableTypeLibSource> typelibs;
   std::unique_ptr<AddinState> state;
-  std::unique_ptr<OptionsHandler> options;
+  std::unique_ptr<headless::HeadlessIde> ide;
+  std::unique_ptr<Connect> connect;
+
+  ~Parts() {
+    if (connect) connect->AddinInstance_OnDisconnection();
+  }
 };
 
 Session::Session(std::istream& in, std::ostream& out, std::ostream& err)
@@ -94,16 +101,29 @@ rt::Status Session::Open() {
   parts->typelibs = std::make_unique<portable::PortableTypeLibSource>(parts->env->Files());
   parts->state = std::make_unique<AddinState>(Platform{*parts->env, *parts->ui, *parts->profiles,
                                                        *parts->versions, *parts->typelibs});
-  parts->options = std::make_unique<OptionsHandler>(*parts->state);
-  parts->options->InitOptionDefaults();
-  LoadOptionsWithFirstRun(*parts->options);
+  parts->ide = std::make_unique<headless::HeadlessIde>(parts->env->Files(), parts->typelibs.get());
+  parts->connect = std::make_unique<Connect>(*parts->state);
+  parts->connect->AddinInstance_Initialize();
+  parts->connect->AddinInstance_OnConnection(*parts->ide);
   parts_ = std::move(parts);
   return {};
 }
 
+bool Session::Ready() {
+  if (const rt::Status opened = Open(); !opened.ok()) {
+    Fail(opened.error().description);
+    return false;
+  }
+  return true;
+}
+
 AddinState& Session::state() { return *parts_->state; }
 
-OptionsHandler& Session::options() { return *parts_->options; }
+OptionsHandler& Session::options() { return *parts_->connect->options(); }
+
+Connect& Session::connect() { return *parts_->connect; }
+
+headless::HeadlessIde& Session::ide() { return *parts_->ide; }
 
 rt::Result<std::string> Session::ToWindowsPath(const std::string& argument) {
   if (LooksLikeWindowsPath(argument)) return argument;

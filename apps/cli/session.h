@@ -12,8 +12,12 @@
 #include "runtime/result.h"
 
 namespace sentrune {
+class Connect;
 class OptionsHandler;
+namespace headless {
+class HeadlessIde;
 }
+}  // namespace sentrune
 
 namespace sentrune::cli {
 
@@ -40,12 +44,18 @@ class Session {
   std::ostream& err;
   int exitCode = kExitOk;
 
-  // Builds the platform, the add-in's state and the options (applying the
-  // first-run rule) once; fails with a message for a bad --drive, --home or
-  // --wineprefix.
+  // Builds the platform and the headless IDE, and connects the add-in to it
+  // as the IDE would (which loads the options and applies the first-run
+  // rule); fails with a message for a bad --drive, --home or --wineprefix.
+  // The add-in is disconnected when the session ends, so that its trace and
+  // log files look as the IDE would leave them.
   rt::Status Open();
+  // Open, reporting a failure (exit status 2); false when it failed.
+  bool Ready();
   AddinState& state();
   OptionsHandler& options();
+  Connect& connect();
+  headless::HeadlessIde& ide();
   // A command-line path in the core's form: Windows paths pass through, host
   // paths are converted (like `winepath -w`).
   rt::Result<std::string> ToWindowsPath(const std::string& argument);

@@ -1,0 +1,102 @@
+// `sentrune compare`: the viewer's comparison of a new build (A) with its
+// model (B), with a verdict a build script can act on.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "commands.h"
+#include "runtime/text.h"
+#include "session.h"
+#include "typelib/frm_tlb_info.h"
+#include "typelib/parse_tlb.h"
+
+namespace sentrune::cli {
+namespace {
+
+struct CompareArgs {
+  std::string fileA;
+  std::string fileB;
+  bool ignoreMinor = false;
+  bool noIgnoreMinor = false;
+  bool details = false;
+  bool json = false;
+  std::string failOn = "any";
+};
+
+std::string ForTerminal(const std::string& text) { return rt::Replace(text, "\r\n", "\n"); }
+
+// The component read into `model`; on failure the reader's message is on
+// stderr (no message box) and the exit status is 2.
+bool ReadModel(Session& session, const std::string& argument, clsParseTLB& model) {
+  const rt::Result<std::string> path = session.ToWindowsPath(argument);
+  if (!path.ok()) {
+    session.Fail(path.error().description);
+    return false;
+  }
+  const TypeLibReadResult read = model.ReadTypeLib(*path);
+  if (!read.ok()) session.Fail(ForTerminal(read.message));
+  return read.ok();
+}
+
+void PrintText(Session& session, const std::vector<TlbDifference>& differences, CompatLevel level) {
+  session.out << differences.size() << " Differences Found.\n";
+  for (const TlbDifference& d : differences) session.out << "--> " << ForTerminal(d.text) << '\n';
+  session.out << "Compatibility: " << CompatLevelName(level) << '\n';
+}
+
+void PrintJson(Session& session, const std::vector<TlbDifference>& differences, CompatLevel level) {
+  nlohmann::ordered_json json;
+  json["count"] = differences.size();
+  json["level"] = CompatLevelName(level);
+  json["differences"] = nlohmann::ordered_json::array();
+  for (const TlbDifference& d : differences) json["differences"].push_back(d.text);
+  session.out << json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
+void Compare(Session& session, const CompareArgs& args) {
+  if (const rt::Status opened = session.Open(); !opened.ok()) return session.Fail(opened.error().description);
+  clsParseTLB a(session.state());
+  clsParseTLB b(session.state());
+  if (!ReadModel(session, args.fileA, a) || !ReadModel(session, args.fileB, b)) return;
+  bool ignoreMinor = frmTLBInfo::StoredIgnoreMinor(session.options());
+  if (args.ignoreMinor) ignoreMinor = true;
+  if (args.noIgnoreMinor) ignoreMinor = false;
+  const bool details = args.details || frmTLBInfo::StoredShowDetails(session.options());
+  const std::vector<TlbDifference> differences = a.CompareDetailed(b, ignoreMinor, details);
+  const CompatLevel level = CompatibilityLevel(differences);
+  if (args.json) {
+    PrintJson(session, differences, level);
+  } else {
+    PrintText(session, differences, level);
+  }
+  const bool fails = args.failOn == "incompatible" ? level == CompatLevel::kIncompatible : !differences.empty();
+  session.exitCode = fails ? kExitStopped : kExitOk;
+}
+
+}  // namespace
+
+void AddCompareCommand(CLI::App& app, Session& session) {
+  CLI::App* compare = app.add_subcommand("compare", "Compare a new build's type library (A) with its model (B)");
+  compare->footer(
+      "Lists what the model has and the build lacks, then what the build adds, and judges\n"
+      "the build: identical, compatible (it only adds, or differs in the library's help\n"
+      "string or version) or incompatible. Defaults for --ignore-minor and --details are\n"
+      "the comparison viewer's stored check marks.\n"
+      "Exit status: 0 nothing differs (with --fail-on incompatible: not incompatible),\n"
+      "1 something differs, 2 a file cannot be read.");
+  auto args = std::make_shared<CompareArgs>();
+  compare->add_option("a", args->fileA, "The new build")->required();
+  compare->add_option("b", args->fileB, "The model to compare with")->required();
+  auto* ignore = compare->add_flag("--ignore-minor", args->ignoreMinor, "Skip the library's help string and version");
+  compare->add_flag("--no-ignore-minor", args->noIgnoreMinor, "Compare the library's help string and version")
+      ->excludes(ignore);
+  compare->add_flag("--details", args->details, "Show both values of library-level differences");
+  compare->add_flag("--json", args->json, "Print {count, level, differences} as JSON");
+  compare->add_option("--fail-on", args->failOn, "What makes the exit status 1")
+      ->check(CLI::IsMember({"any", "incompatible"}))
+      ->type_name("any|incompatible");
+  compare->callback([&session, args] { Compare(session, *args); });
+}
+
+}  // namespace sentrune::cli
