@@ -42,8 +42,10 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& global) {
 
 }  // namespace
 
-int Main(int argc, char** argv) {
-  Session session(std::cin, std::cout, std::cerr);
+int Main(int argc, char** argv) { return Run(argc, argv, std::cin, std::cout, std::cerr); }
+
+int Run(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
+  Session session(in, out, err);
   CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
   app.footer(kFooter);
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
@@ -54,11 +56,18 @@ int Main(int argc, char** argv) {
   AddDemoCommand(app, session);
   AddInspectCommand(app, session);
   AddCompareCommand(app, session);
+  AddRefsCommand(app, session);
+  AddFixPathsCommand(app, session);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     const int status = app.exit(e, session.out, session.err);
     return status == 0 ? kExitOk : kExitBadInput;
+  } catch (const std::exception& e) {
+    // The core traps its own failures; anything that still arrives here is
+    // reported rather than left to abort the process.
+    session.err << "sentrune: " << e.what() << '\n';
+    return kExitBadInput;
   }
   if (app.get_subcommands().empty()) {
     session.out << app.help();

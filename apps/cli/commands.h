@@ -13,5 +13,7 @@ void AddBuildCommand(CLI::App& app, Session& session);
 void AddDemoCommand(CLI::App& app, Session& session);
 void AddInspectCommand(CLI::App& app, Session& session);
 void AddCompareCommand(CLI::App& app, Session& session);
+void AddRefsCommand(CLI::App& app, Session& session);
+void AddFixPathsCommand(CLI::App& app, Session& session);
 
 }  // namespace sentrune::cli

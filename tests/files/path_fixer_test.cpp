@@ -1,0 +1,215 @@
+// The project file path fixer over the in-memory file system: its line
+// rules, the whole run and every way it stops without touching the file.
+// Real projects and the command line are covered with the reference list's
+// end-to-end tests.
+#include <algorithm>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "files/files_world.h"
+#include "files/path_fixer.h"
+#include "runtime/winpath.h"
+
+namespace sentrune::testing {
+namespace {
+
+using Outcome = PathFixResult::Outcome;
+
+constexpr const char* kProject = "C:\\Src\\App\\App.vbp";
+constexpr const char* kBackup = "C:\\Src\\App\\History\\App-2004.05.06-14.03.09.vbp";
+const std::string kStdole =
+    "Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Src\\Lib\\stdole2.tlb#OLE Automation";
+const std::string kStdoleFixed =
+    "Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#..\\Lib\\stdole2.tlb#OLE Automation";
+const std::string kWidget = "Class=Widget; C:\\Src\\Lib\\Widget.cls";
+const std::string kWidgetFixed = "Class=Widget#..\\lib\\widget.cls";
+
+// A box as one text, title and style first, so that one comparison checks all three.
+std::string Shown(const AskedBox& box) { return box.title + "|" + std::to_string(box.style) + "|" + box.prompt; }
+
+struct FixerWorld : FilesWorld {
+  FixerWorld() {
+    files().AddFile("C:\\Src\\Lib\\Widget.cls", "");
+    files().AddFile("C:\\Src\\Lib\\stdole2.tlb", "");
+    files().AddFile("C:\\Src\\App\\Main.frm", "");
+    files().AddFile("C:\\Src\\App\\Helpers.bas", "");
+    files().AddFile("D:\\Shared\\Other.tlb", "");
+  }
+  std::optional<std::string> Fix(const std::string& line) { return FixProjectLine(files(), kProject, "c:", line); }
+  PathFixResult Run(const std::string& bytes) {
+    files().AddFile(kProject, bytes);
+    files().ClearRecord();
+    return Parse4ABSFile(state, options, kProject);
+  }
+};
+
+TEST(PathFixerLines, OnlyAbsolutePathsToExistingFilesOnTheProjectDriveChange) {
+  FixerWorld w;
+  w.files().AddFile(kProject, "");
+  EXPECT_EQ(w.Fix(kStdole), kStdoleFixed);
+  // Name and path are rejoined with "#", the path in lower case.
+  EXPECT_EQ(w.Fix(kWidget), kWidgetFixed);
+  // The key is trimmed but keeps its case; the name part is kept as read.
+  EXPECT_EQ(w.Fix(" Module = Helpers ; C:\\SRC\\App\\Helpers.bas "), "Module=Helpers #helpers.bas");
+
+  for (const char* stays : {
+           "Form=C:\\Src\\App\\Main.frm",  // one part: no ";"
+           "Reference=*\\G{X}#2.0#0#D:\\Shared\\Other.tlb#Other",
+           "Reference=*\\G{X}#2.0#0#C:\\Src\\Lib\\Gone.tlb#Gone",
+           "Class=Gone; C:\\Src\\Lib\\Gone.cls",
+           "Reference=*\\G{X}#2.0#0#C:\\Src\\Lib\\stdole2.tlb",       // four parts
+           "Reference=*\\G{X}#2.0#0#C:\\Src\\Lib\\stdole2.tlb#a#b",  // six parts
+           "Reference=*\\A..\\Lib\\Lib.vbp",
+           "Object={831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0; MSCOMCTL.OCX",
+           "Class=Widget; ..\\Lib\\Widget.cls",
+           "Class=Widget; C:\\Src\\Lib\\Widget.cls; extra",
+           "ResFile32=\"C:\\Src\\App\\Main.frm\"",
+           "ExeName32=C:\\Src\\Lib\\Widget.cls",  // not a handled key
+           "Class",
+           "",
+       }) {
+    EXPECT_EQ(w.Fix(stays), std::nullopt) << stays;
+  }
+
+  EXPECT_EQ(ProjectDriveText(kProject), "c:");
+  EXPECT_EQ(ProjectDriveText(" D: \\x.vbp"), "d:");
+  EXPECT_EQ(ProjectDriveText("\\\\Server\\Share\\App.vbp"), "");
+  EXPECT_EQ(ProjectDriveText("App.vbp"), "");
+}
+
+TEST(PathFixer, ReportsBacksUpThenReplacesTheFileThroughATemporaryOne) {
+  FixerWorld w;
+  const std::string original = "Type=Exe\r\n" + kStdole + "\r\nForm=C:\\Src\\App\\Main.frm\r\n" + kWidget +
+                               "\r\nDescription=\"Caf\xE9 \x81\"\r\n";
+  const PathFixResult result = w.Run(original);
+
+  EXPECT_EQ(result.outcome, Outcome::kFixed);
+  EXPECT_EQ(result.backupFile, kBackup);
+  EXPECT_EQ(w.files().Contents(kBackup), original);
+  // Every line gets CR LF, so the empty piece after the last one adds a line.
+  const std::string fixed = "Type=Exe\r\n" + kStdoleFixed + "\r\nForm=C:\\Src\\App\\Main.frm\r\n" + kWidgetFixed +
+                            "\r\nDescription=\"Caf\xE9 \x81\"\r\n\r\n";
+  EXPECT_EQ(w.files().Contents(kProject), fixed);
+  ASSERT_EQ(w.ui.forms.size(), 1u);
+  EXPECT_EQ(w.ui.forms[0].caption, "Full paths report.");
+  EXPECT_EQ(w.ui.forms[0].text, "The line:\r\n" + kStdole + "\r\nHas been changed to:\r\n" + kStdoleFixed +
+                                    "\r\n\r\nThe line:\r\n" + kWidget + "\r\nHas been changed to:\r\n" +
+                                    kWidgetFixed + "\r\n\r\n");
+  ASSERT_EQ(w.ui.boxes.size(), 1u);
+  EXPECT_EQ(Shown(w.ui.boxes[0]), "VBP Changed|64|File has changed. One or more absolute paths were found and fixed.");
+
+  // Never written in place: a temporary file beside it is renamed over it.
+  const FsRecord& record = w.files().Record();
+  EXPECT_EQ(std::count(record.written.begin(), record.written.end(), kProject), 0);
+  ASSERT_EQ(record.renames.size(), 1u);
+  EXPECT_EQ(record.renames[0].second, kProject);
+  EXPECT_EQ(rt::GetFolder(record.renames[0].first), "C:\\Src\\App\\");
+  EXPECT_FALSE(w.files().Exists(record.renames[0].first));
+
+  // The fixed lines are not absolute any more.
+  EXPECT_EQ(Parse4ABSFile(w.state, w.options, kProject).outcome, Outcome::kNothingFound);
+  EXPECT_EQ(w.files().Contents(kProject), fixed);
+}
+
+TEST(PathFixer, StopsWithAMessageWhenThereIsNothingToDo) {
+  struct Case {
+    std::string project, bytes;
+    bool readOnly;
+  };
+  const std::string fixable = "Type=Exe\r\n" + kWidget + "\r\n";
+  for (const Case& c : {
+           Case{kProject, fixable, true},
+           Case{kProject, "Type=Exe\r\nForm=C:\\Src\\App\\Main.frm\r\nClass=Gone; C:\\x.cls\r\n", false},
+           Case{kProject, "Type=Exe\n" + kWidget + "\n", false},  // lines are cut at CR LF only
+           Case{"\\\\Server\\Share\\App.vbp", fixable, false},      // no drive to compare with
+       }) {
+    FixerWorld w;
+    w.files().AddFile(c.project, c.bytes);
+    if (c.readOnly) {
+      ASSERT_TRUE(w.files().SetAttributes(c.project, 33).ok());
+    }
+    w.files().ClearRecord();
+    const PathFixResult result = Parse4ABSFile(w.state, w.options, c.project);
+
+    EXPECT_EQ(result.outcome, c.readOnly ? Outcome::kReadOnly : Outcome::kNothingFound) << c.bytes;
+    ASSERT_EQ(w.ui.boxes.size(), 1u) << c.bytes;
+    EXPECT_EQ(Shown(w.ui.boxes[0]), c.readOnly ? "Sentrune|64|Project File is Read-Only."
+                                               : "Sentrune|64|Project parsed. No absoulute paths found.");
+    EXPECT_TRUE(w.ui.forms.empty()) << c.bytes;
+    EXPECT_EQ(w.files().Contents(c.project), c.bytes);
+    EXPECT_TRUE(w.files().Record().written.empty() && w.files().Record().copies.empty()) << c.bytes;
+  }
+}
+
+TEST(PathFixer, LeavesTheProjectAloneWhenTheBackupIsNotThere) {
+  const std::string original = "Type=Exe\r\n" + kWidget + "\r\n";
+  struct Case {
+    FsOp op;
+    std::string path;
+    int32_t error;
+  };
+  for (const Case& c : {
+           Case{FsOp::kCopy, "", 70},                                     // the copy itself fails
+           Case{FsOp::kCreateDirectory, "C:\\Src\\App\\History", 76},  // no backup folder
+           Case{FsOp::kDelete, kBackup, 70},                              // an older backup stays in the way
+       }) {
+    FixerWorld w;
+    if (c.op == FsOp::kDelete) w.files().AddFile(kBackup, "an older backup");
+    w.files().FailNext(c.op, c.path, c.error);
+    const PathFixResult result = w.Run(original);
+
+    EXPECT_EQ(result.outcome, Outcome::kNotBackedUp) << c.path;
+    EXPECT_EQ(w.files().Contents(kProject), original) << c.path;
+    EXPECT_TRUE(w.files().Record().renames.empty()) << c.path;
+    for (const AskedBox& box : w.ui.boxes) EXPECT_NE(box.title, "VBP Changed") << c.path;
+  }
+}
+
+TEST(PathFixer, TrappedErrorsAreShownAndLeaveTheFileAsItWas) {
+  FixerWorld w;
+  const std::string original = "Type=Exe\r\n" + kWidget + "\r\n";
+  w.files().FailNext(FsOp::kRename, "", 75);
+  const PathFixResult failed = w.Run(original);
+  EXPECT_EQ(failed.outcome, Outcome::kFailed);
+  EXPECT_EQ(failed.errorCode, 75);
+  EXPECT_EQ(w.files().Contents(kProject), original);
+  EXPECT_FALSE(w.files().Exists("C:\\Src\\App\\~App.vbp.tmp"));
+  ASSERT_FALSE(w.ui.boxes.empty());
+  EXPECT_TRUE(Shown(w.ui.boxes.back()).starts_with("modFileFunctions:Parse4ABS|16|Error 75")) << Shown(w.ui.boxes.back());
+  EXPECT_FALSE(w.state.err.pending());
+
+  EXPECT_EQ(Parse4ABSFile(w.state, w.options, "C:\\Src\\App\\Gone.vbp").errorCode, 53);
+}
+
+TEST(PathFixer, BinaryGarbageSurvivesByteForByte) {
+  for (unsigned seed : {1u, 2u, 3u}) {
+    std::mt19937 random(seed);
+    std::string prefix(3000, '\0'), suffix(3000, '\0');
+    for (std::string* text : {&prefix, &suffix})
+      for (char& c : *text) c = static_cast<char>(random() % 256);
+
+    FixerWorld plain;
+    EXPECT_EQ(plain.Run(prefix + suffix).outcome, Outcome::kNothingFound) << seed;
+    EXPECT_TRUE(plain.files().Contents(kProject) == prefix + suffix) << seed;
+
+    FixerWorld mixed;
+    EXPECT_EQ(mixed.Run(prefix + "\r\n" + kWidget + "\r\n" + suffix).outcome, Outcome::kFixed) << seed;
+    EXPECT_TRUE(mixed.files().Contents(kProject) == prefix + "\r\n" + kWidgetFixed + "\r\n" + suffix + "\r\n")
+        << seed;
+  }
+}
+
+TEST(PathFixer, MenuCommandAsksForTheProjectFirst) {
+  FixerWorld w;
+  w.files().AddFile(kProject, "Type=Exe\r\n" + kWidget + "\r\n");
+  w.ui.QueueOpenFile(std::nullopt);
+  EXPECT_EQ(Parse4ABS(w.state, w.options).outcome, Outcome::kCancelled);
+  EXPECT_TRUE(w.ui.boxes.empty());
+  w.ui.QueueOpenFile(kProject);
+  EXPECT_EQ(Parse4ABS(w.state, w.options).outcome, Outcome::kFixed);
+  EXPECT_EQ(w.ui.pickerTitles, (std::vector<std::string>{"Select a project to parse.", "Select a project to parse."}));
+}
+
+}  // namespace
+}  // namespace sentrune::testing
