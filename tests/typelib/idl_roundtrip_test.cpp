@@ -1,0 +1,125 @@
+// The IDL renderer checked the only way that matters: widl compiles it back
+// into a library whose model equals the original's.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "runtime/text.h"
+#include "support/fake_typelib_source.h"
+#include "typelib/fixture_world.h"
+#include "typelib/tlb_idl.h"
+
+namespace sentrune::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string CommandOutput(const std::string& command) {
+  std::string out;
+  if (FILE* pipe = popen(command.c_str(), "r")) {
+    char buffer[512];
+    while (fgets(buffer, sizeof buffer, pipe)) out += buffer;
+    pclose(pipe);
+  }
+  while (!out.empty() && (out.back() == '\n' || out.back() == '\r')) out.pop_back();
+  return out;
+}
+
+// widl finds stdole2.tlb only in a folder given with -L; libwine ships it.
+std::string StdoleFolder() {
+  const std::string tlb = CommandOutput("dpkg -L libwine 2>/dev/null | grep '/stdole2.tlb$' | head -n 1");
+  return tlb.empty() ? "" : fs::path(tlb).parent_path().string();
+}
+
+class IdlRoundTrip : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (std::system("widl -V >/dev/null 2>&1") != 0) GTEST_SKIP() << "widl is not installed";
+    stdole_ = StdoleFolder();
+    if (stdole_.empty()) GTEST_SKIP() << "stdole2.tlb of libwine is not installed";
+    dir_ = fs::temp_directory_path() / ("sentrune-idl-" + std::to_string(::getpid()));
+    fs::create_directories(dir_);
+  }
+  void TearDown() override {
+    if (!dir_.empty()) fs::remove_all(dir_);
+  }
+
+  // Compiles the IDL; the output file's bytes, or "" with widl's complaint logged.
+  std::string Compile(const std::string& idl) {
+    const fs::path output = dir_ / "roundtrip.tlb";
+    fs::remove(output);
+    std::ofstream(dir_ / "roundtrip.idl", std::ios::binary) << rt::Utf8ToCp1252(idl);
+    const std::string complaints = CommandOutput("cd '" + dir_.string() + "' && widl -t --win32 -L '" + stdole_ +
+                                                 "' -o roundtrip.tlb roundtrip.idl 2>&1");
+    if (!fs::exists(output)) ADD_FAILURE() << complaints << "\n" << idl;
+    return fs::exists(output) ? ReadHostFile(output.string()) : "";
+  }
+
+  // The library at `path` through IDL and widl gives the same model, minor
+  // differences included.
+  void ExpectRoundTrip(FixtureWorld& world, const std::string& path, const std::string& idl) {
+    SCOPED_TRACE(path);
+    const std::string bytes = Compile(idl);
+    if (bytes.empty()) return;
+    world.env.Files().AddFile("C:\\F\\roundtrip.tlb", bytes);
+    clsParseTLB before(world.state), after(world.state);
+    ASSERT_EQ(before.ParseTypeLib(path), 0);
+    ASSERT_EQ(after.ParseTypeLib("C:\\F\\roundtrip.tlb"), 0);
+    for (const auto& d : before.Compare(after, false, true)) ADD_FAILURE() << d;
+    EXPECT_EQ(before.Classes().size(), after.Classes().size());
+  }
+
+  std::string stdole_;
+  fs::path dir_;
+};
+
+TEST_F(IdlRoundTrip, FixturesComeBackWithTheSameModel) {
+  FixtureWorld world;
+  for (const char* name : {"widgets.tlb", "widgets64.tlb", "shapes.tlb", "widgets.dll"}) {
+    const std::string path = world.Fixture(name);
+    const rt::Result<platform::TlbLibrary> lib = world.typelibs.Load(path);
+    ASSERT_TRUE(lib.ok()) << lib.error().description;
+    const rt::Result<std::string> idl = TypeLibIdl(*lib);
+    ASSERT_TRUE(idl.ok()) << idl.error().description;
+    ExpectRoundTrip(world, path, *idl);
+  }
+}
+
+// Components the VB6 compiler built; those naming types of other libraries
+// cannot be written as IDL and must say so.
+TEST_F(IdlRoundTrip, CorpusComponentsComeBackOrAreRefusedByName) {
+  const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
+  if (!fs::is_directory(corpus)) GTEST_SKIP() << "no corpus";
+  FixtureWorld world;
+  int written = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
+    const std::string extension = rt::LCase(entry.path().extension().string());
+    if (extension != ".dll" && extension != ".ocx" && extension != ".cmp") continue;
+    const std::string path = world.AddHostFile(entry.path().string(), entry.path().filename().string());
+    const rt::Result<platform::TlbLibrary> lib = world.typelibs.Load(path);
+    ASSERT_TRUE(lib.ok()) << path << ": " << lib.error().description;
+    const rt::Result<std::string> idl = TypeLibIdl(*lib);
+    if (!idl.ok()) {
+      EXPECT_NE(idl.error().description.find(" uses a type IDL cannot name"), std::string::npos);
+      continue;
+    }
+    ++written;
+    ExpectRoundTrip(world, path, *idl);
+  }
+  EXPECT_GT(written, 0);
+}
+
+TEST(TypeLibIdl, RefusesATypeItCannotNameAndSaysWhere) {
+  platform::TlbLibrary lib = tlb::Library("L", "{00000000-0000-0000-0000-0000000000AA}");
+  lib.types.push_back(tlb::TypeInfo("IThing", "interface", "{00000000-0000-0000-0000-0000000000AB}"));
+  lib.types[0].functions = {tlb::Function("Owner", 2, tlb::Type(platform::vt::kUserDefined))};
+  const rt::Result<std::string> idl = TypeLibIdl(lib);
+  ASSERT_FALSE(idl.ok());
+  EXPECT_EQ(idl.error().description, "IThing.Owner uses a type IDL cannot name (variant type 29, unresolved or imported)");
+}
+
+}  // namespace
+}  // namespace sentrune::testing
