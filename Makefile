@@ -17,7 +17,7 @@ build: configure
 	@cmake --build build -j $(JOBS)
 
 run: build
-	@build/bin/sentrune --home build/run-home options
+	@build/bin/sentrune demo
 
 test: build
 	@ctest --test-dir build --output-on-failure -j $(JOBS)
