@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "menu_help.h"
 #include "session.h"
 
 namespace sentrune::cli {
@@ -47,7 +48,7 @@ int Main(int argc, char** argv) { return Run(argc, argv, std::cin, std::cout, st
 int Run(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
   Session session(in, out, err);
   CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
-  app.footer(kFooter);
+  app.footer(std::string(kFooter) + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
   AddGlobalOptions(app, session.global);
@@ -58,6 +59,14 @@ int Run(int argc, const char* const* argv, std::istream& in, std::ostream& out, 
   AddCompareCommand(app, session);
   AddRefsCommand(app, session);
   AddFixPathsCommand(app, session);
+  AddSnapshotCommand(app, session);
+  AddTimesCommand(app, session);
+  AddWatchCommand(app, session);
+  AddFixAssociationsCommand(app, session);
+  AddVerifyCommand(app, session);
+  AddVerifyClassCommand(app, session);
+  AddAlignControlCommand(app, session);
+  AddDetailsCommand(app, session);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -13,7 +13,11 @@
 #include "platform/portable/version_resources_portable.h"
 #include "platform/posix/drive_map.h"
 #include "platform/posix/posix_env.h"
+#include "host/addin_menu.h"
 #include "host/connect.h"
+#include "seed_templates.h"
+#include "verify/frm_install_details.h"
+#include "verify_registry.h"
 #include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
 
@@ -95,6 +99,7 @@ rt::Status Session::Open() {
   }
   auto parts = std::make_unique<Parts>();
   parts->env = std::make_unique<posix::PosixEnv>(std::move(options));
+  SeedAddinFolder(*parts->env);
   parts->ui = std::make_unique<console::ConsoleUi>(AnswerModeFor(global), in_, out, err);
   parts->profiles = std::make_unique<portable::PortableProfileFiles>(parts->env->Files());
   parts->versions = std::make_unique<portable::PortableVersionResources>(parts->env->Files());
@@ -103,6 +108,13 @@ rt::Status Session::Open() {
                                                        *parts->versions, *parts->typelibs});
   parts->ide = std::make_unique<headless::HeadlessIde>(parts->env->Files(), parts->typelibs.get());
   parts->connect = std::make_unique<Connect>(*parts->state);
+  parts->connect->ShowDiagnostics = [env = parts->env.get()](Connect& connect) {
+    const std::unique_ptr<platform::Registry> registry = OpenVerifyRegistry(*env, nullptr);
+    frmInstallDetails(connect.state()).ShowDiagnostics(registry.get());
+  };
+  // The headless IDE's "Add-Ins" bar carries the menu as the IDE's would;
+  // on the command line each item is a command of its own.
+  parts->connect->SetMenu(std::make_unique<AddinMenuModel>(MenuActions{}));
   parts->connect->AddinInstance_Initialize();
   parts->connect->AddinInstance_OnConnection(*parts->ide);
   parts_ = std::move(parts);
