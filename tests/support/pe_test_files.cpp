@@ -1,4 +1,4 @@
-#include "pe_test_files.h"
+#include "portable/pe_test_files.h"
 
 #include <algorithm>
 #include <fstream>

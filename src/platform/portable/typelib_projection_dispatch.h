@@ -1,0 +1,19 @@
+#pragma once
+// The dispatch view of a dual interface, as the system's type library API
+// derives it from the stored vtable interface: the IUnknown and IDispatch
+// functions first (restricted), then the functions of the dual base chain,
+// then the interface's own, all in dispatch form.
+#include <vector>
+
+#include "platform/portable/typelib_projection_types.h"
+
+namespace sentrune::portable {
+
+// `inheritedBudget` is how many base-chain functions the library's views may
+// still copy; a chain that does not fit is cut. Real libraries stay far below
+// it, hostile ones cannot make the projection grow with the square of the
+// number of type infos.
+std::vector<platform::TlbMember> DispatchView(const RawLibrary& raw, const TypeProjection& types,
+                                              const RawTypeInfo& dual, size_t& inheritedBudget);
+
+}  // namespace sentrune::portable

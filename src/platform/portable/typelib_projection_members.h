@@ -1,0 +1,23 @@
+#pragma once
+// Projection of single functions and variables, and the by-member-ID naming
+// that the system's type library API applies to a whole function list.
+#include <vector>
+
+#include "platform/portable/typelib_projection_types.h"
+
+namespace sentrune::portable {
+
+// `dispatchForm`: as a dispatch view shows a vtable function — a trailing
+// [retval] becomes the return type, otherwise an HRESULT return becomes void,
+// and [lcid] parameters disappear.
+platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
+                                    bool dispatchForm);
+// Enum values are cut to 32 bits (two's complement).
+platform::TlbMember ProjectVariable(const RawVar& var, const TypeProjection& types, bool isEnum);
+
+// Every function takes its name, help string and parameter names from the
+// first function of the list with the same member ID; a parameter beyond that
+// function's parameters gets an empty name.
+void NameByMemberId(std::vector<platform::TlbMember>& functions);
+
+}  // namespace sentrune::portable

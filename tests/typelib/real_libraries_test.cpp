@@ -1,0 +1,95 @@
+// Every type library Wine installs, and every component VB6 compiled in the
+// shared corpus, must read into a model, and two reads of one file must
+// compare equal: the model is only useful if it is stable on real files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/portable/ini_file.h"
+#include "platform/portable/pe_image.h"
+#include "platform/portable/typelib_source_portable.h"
+#include "platform/portable/version_resources_portable.h"
+#include "platform/posix/posix_env.h"
+#include "portable/pe_test_files.h"
+#include "support/fake_ui.h"
+#include "typelib/parse_tlb.h"
+
+namespace sentrune {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RealLibraries : public ::testing::Test {
+ protected:
+  RealLibraries()
+      : home_(fs::temp_directory_path() / ("sentrune-real-" + std::to_string(::getpid()))),
+        env_(Options(home_)),
+        profiles_(env_.Files()),
+        versions_(env_.Files()),
+        typelibs_(env_.Files()),
+        state_(Platform{env_, ui_, profiles_, versions_, typelibs_}) {}
+  ~RealLibraries() override { fs::remove_all(home_); }
+
+  static posix::PosixEnvOptions Options(const fs::path& home) {
+    fs::create_directories(home);
+    posix::PosixEnvOptions options;
+    options.homeHostDir = home.string();
+    return options;
+  }
+
+  // Reads the file twice; both reads succeed and compare equal.
+  void ExpectStable(const fs::path& file) {
+    const std::optional<std::string> path = env_.Files().Drives().HostToWindows(file.string());
+    ASSERT_TRUE(path) << file;
+    clsParseTLB first(state_), second(state_);
+    const TypeLibReadResult read = first.ReadTypeLib(*path);
+    ASSERT_EQ(read.number, 0) << file << ": " << read.message;
+    ASSERT_EQ(second.ReadTypeLib(*path).number, 0) << file;
+    EXPECT_TRUE(first.Compare(second, false, true).empty()) << file;
+    EXPECT_FALSE(first.Library().empty()) << file;
+    ++read_;
+  }
+
+  fs::path home_;
+  posix::PosixEnv env_;
+  testing::FakeUi ui_;
+  portable::PortableProfileFiles profiles_;
+  portable::PortableVersionResources versions_;
+  portable::PortableTypeLibSource typelibs_;
+  AddinState state_;
+  int read_ = 0;
+};
+
+bool HasTypeLib(const fs::path& file) {
+  const std::vector<uint8_t> bytes = testing::ReadHostFile(file);
+  const rt::Result<portable::PeImage> image = portable::PeImage::Parse(bytes);
+  return image.ok() && image->FindResource(portable::ResourceId::Named(portable::kTypeLibResourceType),
+                                           portable::ResourceId::Number(1));
+}
+
+TEST_F(RealLibraries, EveryWineTypeLibraryReadsAndComparesEqualToItself) {
+  std::vector<fs::path> files = testing::WineFiles("x86_64", ".tlb");
+  for (const fs::path& dll : testing::WineFiles("x86_64", ".dll"))
+    if (HasTypeLib(dll)) files.push_back(dll);
+  if (files.empty()) GTEST_SKIP() << "Wine's libraries are not installed";
+  for (const fs::path& file : files) ExpectStable(file);
+  EXPECT_TRUE(ui_.boxes.empty());
+  EXPECT_GE(read_, 20);
+}
+
+TEST_F(RealLibraries, EveryCompiledCorpusComponentReadsAndComparesEqualToItself) {
+  const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
+  if (!fs::is_directory(corpus)) GTEST_SKIP() << "no corpus";
+  for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
+    std::string extension = entry.path().extension().string();
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (entry.is_regular_file() && (extension == ".dll" || extension == ".ocx" || extension == ".cmp"))
+      ExpectStable(entry.path());
+  }
+  EXPECT_TRUE(ui_.boxes.empty());
+  EXPECT_GT(read_, 0);
+}
+
+}  // namespace
+}  // namespace sentrune
