@@ -8,9 +8,19 @@
 #include <optional>
 #include <vector>
 
+#include <iostream>
+#include <sstream>
+
+#include "host/addin_state.h"
+#include "platform/console/console_ui.h"
+#include "platform/portable/ini_file.h"
 #include "platform/portable/msft_reader.h"
 #include "platform/portable/pe_image.h"
 #include "platform/portable/typelib_projection.h"
+#include "platform/portable/typelib_source_portable.h"
+#include "platform/portable/version_resources_portable.h"
+#include "platform/posix/posix_env.h"
+#include "typelib/parse_tlb.h"
 
 namespace {
 
@@ -44,6 +54,70 @@ void BM_DecodeMshtml(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * file->size()));
 }
 BENCHMARK(BM_DecodeMshtml)->Unit(benchmark::kMillisecond);
+
+// The add-in's whole read of a file, as ParseTypeLib does it: the file
+// through the drive-mapped file system, decoding, projection and the model
+// with every member rendered as its declaration.
+struct Addin {
+  Addin()
+      : env(Options()), ui(sentrune::console::AnswerMode::kNo, in, out, out), profiles(env.Files()),
+        versions(env.Files()), typelibs(env.Files()),
+        state(sentrune::Platform{env, ui, profiles, versions, typelibs}) {}
+  static sentrune::posix::PosixEnvOptions Options() {
+    sentrune::posix::PosixEnvOptions options;
+    options.homeHostDir = std::filesystem::temp_directory_path().string();
+    return options;
+  }
+  std::optional<std::string> MshtmlPath() {
+    for (const char* folder : {"/usr/lib/x86_64-linux-gnu/wine/x86_64-windows", "/usr/lib/wine/x86_64-windows"}) {
+      const std::filesystem::path file = std::filesystem::path(folder) / "mshtml.tlb";
+      if (std::filesystem::exists(file)) return env.Files().Drives().HostToWindows(file.string());
+    }
+    return std::nullopt;
+  }
+  std::istringstream in;
+  std::ostringstream out;
+  sentrune::posix::PosixEnv env;
+  sentrune::console::ConsoleUi ui;
+  sentrune::portable::PortableProfileFiles profiles;
+  sentrune::portable::PortableVersionResources versions;
+  sentrune::portable::PortableTypeLibSource typelibs;
+  sentrune::AddinState state;
+};
+
+void BM_ParseTypeLibMshtml(benchmark::State& state) {
+  Addin addin;
+  const std::optional<std::string> path = addin.MshtmlPath();
+  if (!path) {
+    state.SkipWithError("mshtml.tlb of Wine is not installed");
+    return;
+  }
+  for (auto _ : state) {
+    sentrune::clsParseTLB model(addin.state);
+    if (model.ReadTypeLib(*path).number != 0) {
+      state.SkipWithError("mshtml.tlb did not read");
+      return;
+    }
+    benchmark::DoNotOptimize(model.Classes().size());
+  }
+}
+BENCHMARK(BM_ParseTypeLibMshtml)->Unit(benchmark::kMillisecond);
+
+void BM_CompareMshtml(benchmark::State& state) {
+  Addin addin;
+  const std::optional<std::string> path = addin.MshtmlPath();
+  if (!path) {
+    state.SkipWithError("mshtml.tlb of Wine is not installed");
+    return;
+  }
+  sentrune::clsParseTLB first(addin.state), second(addin.state);
+  if (first.ReadTypeLib(*path).number != 0 || second.ReadTypeLib(*path).number != 0) {
+    state.SkipWithError("mshtml.tlb did not read");
+    return;
+  }
+  for (auto _ : state) benchmark::DoNotOptimize(first.Compare(second, false, true));
+}
+BENCHMARK(BM_CompareMshtml)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
