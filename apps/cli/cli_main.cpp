@@ -11,7 +11,7 @@ namespace sentrune::cli {
 namespace {
 
 constexpr const char* kFooter = R"(
-Paths may be given as host paths (/home/me/src/Widgets.vbp) or as Windows paths
+Paths may be given as host paths (~/src/Widgets.vbp) or as Windows paths
 (C:\Src\Widgets.vbp); drive letters map to host folders as Wine maps them: Z: is
 /, a Wine prefix adds its drives, --drive adds or overrides one.
 

@@ -1,7 +1,7 @@
 #pragma once
 // Notice of files written in folders of the host, for following what a
 // developer edits outside the IDE. Unlike the rest of the platform layer it
-// speaks host paths ("/home/u/src/Widgets"), because what it watches is the
+// speaks host paths ("/srv/src/Widgets"), because what it watches is the
 // host's own file system.
 #include <string>
 #include <vector>

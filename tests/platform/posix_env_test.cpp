@@ -24,14 +24,14 @@ TEST(UserDirs, ParsesTheFreedesktopFile) {
       "XDG_DOWNLOAD_DIR=\"$HOME/Downloads\"\n"
       "XDG_DESKTOP_DIR=\"$HOME/Old\"\n"
       "  XDG_DESKTOP_DIR = \"$HOME/Mein \\\"Schreibtisch\\\"\"\n";
-  EXPECT_EQ(ParseUserDir(text, "XDG_DESKTOP_DIR", "/home/u"), "/home/u/Mein \"Schreibtisch\"");
-  EXPECT_EQ(ParseUserDir(text, "XDG_DOWNLOAD_DIR", "/home/u"), "/home/u/Downloads");
+  EXPECT_EQ(ParseUserDir(text, "XDG_DESKTOP_DIR", "/srv/u"), "/srv/u/Mein \"Schreibtisch\"");
+  EXPECT_EQ(ParseUserDir(text, "XDG_DOWNLOAD_DIR", "/srv/u"), "/srv/u/Downloads");
   EXPECT_EQ(ParseUserDir("XDG_DESKTOP_DIR=\"/srv/desk\"", "XDG_DESKTOP_DIR", "/h"), "/srv/desk");
   EXPECT_EQ(ParseUserDir("XDG_DESKTOP_DIR=\"$HOME\"", "XDG_DESKTOP_DIR", "/h"), "/h");
   EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=\"desk\"", "XDG_DESKTOP_DIR", "/h"));
   EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=$HOME/desk", "XDG_DESKTOP_DIR", "/h"));
   EXPECT_FALSE(ParseUserDir("XDG_DESKTOP_DIR=\"$HOMEX/desk\"", "XDG_DESKTOP_DIR", "/h"));
-  EXPECT_FALSE(ParseUserDir(text, "XDG_MUSIC_DIR", "/home/u"));
+  EXPECT_FALSE(ParseUserDir(text, "XDG_MUSIC_DIR", "/srv/u"));
 }
 
 // A user whose home, configuration and temporary folders live on drive T:.

@@ -18,7 +18,7 @@ namespace sentrune::posix {
 // components below it ("." and ".." already resolved).
 struct DriveLocation {
   std::string windowsRoot;  // "C:"
-  std::string hostRoot;     // "/home/u/.wine/drive_c"
+  std::string hostRoot;     // "/srv/u/.wine/drive_c"
   std::vector<std::string> parts;
   bool trailingSlash = false;
 };
