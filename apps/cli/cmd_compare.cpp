@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "commands.h"
+#include "read_model.h"
 #include "runtime/text.h"
 #include "session.h"
 #include "typelib/frm_tlb_info.h"
@@ -23,21 +24,6 @@ struct CompareArgs {
   bool json = false;
   std::string failOn = "any";
 };
-
-std::string ForTerminal(const std::string& text) { return rt::Replace(text, "\r\n", "\n"); }
-
-// The component read into `model`; on failure the reader's message is on
-// stderr (no message box) and the exit status is 2.
-bool ReadModel(Session& session, const std::string& argument, clsParseTLB& model) {
-  const rt::Result<std::string> path = session.ToWindowsPath(argument);
-  if (!path.ok()) {
-    session.Fail(path.error().description);
-    return false;
-  }
-  const TypeLibReadResult read = model.ReadTypeLib(*path);
-  if (!read.ok()) session.Fail(ForTerminal(read.message));
-  return read.ok();
-}
 
 void PrintText(Session& session, const std::vector<TlbDifference>& differences, CompatLevel level) {
   session.out << differences.size() << " Differences Found.\n";

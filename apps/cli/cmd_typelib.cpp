@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "commands.h"
+#include "read_model.h"
 #include "runtime/text.h"
 #include "session.h"
 #include "typelib/parse_tlb.h"
@@ -22,7 +23,6 @@ struct InspectArgs {
   std::string xmlOut;
 };
 
-std::string ForTerminal(const std::string& text) { return rt::Replace(text, "\r\n", "\n"); }
 
 void PrintTree(std::ostream& out, const std::vector<platform::TreeNode>& nodes, size_t depth) {
   for (const platform::TreeNode& node : nodes) {
@@ -31,18 +31,6 @@ void PrintTree(std::ostream& out, const std::vector<platform::TreeNode>& nodes, 
   }
 }
 
-// The component's Windows path, read into `model`; on failure the reader's
-// message is on stderr and the exit status is 2.
-bool ReadModel(Session& session, const std::string& argument, clsParseTLB& model) {
-  const rt::Result<std::string> path = session.ToWindowsPath(argument);
-  if (!path.ok()) {
-    session.Fail(path.error().description);
-    return false;
-  }
-  const TypeLibReadResult read = model.ReadTypeLib(*path);
-  if (!read.ok()) session.Fail(ForTerminal(read.message));
-  return read.ok();
-}
 
 void WriteXml(Session& session, const clsParseTLB& model, const std::string& out) {
   std::string target;
