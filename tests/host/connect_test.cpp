@@ -59,9 +59,11 @@ TEST(Connect, InitialisationNamesThisLoadsLogFile) {
 }
 
 TEST(Connect, ConnectionLoadsOptionsBuildsTheMenuAndStartsTheTimer) {
-  ConnectWorld w;
+  // Declared before the world: its Connect disconnects (and so writes to
+  // the log) when it is destroyed.
   std::vector<std::string> log;
   int diagnostics = 0;
+  ConnectWorld w;
   w.connect.SetMenu(std::make_unique<RecordingMenu>(log));
   w.connect.ShowDiagnostics = [&](Connect&) { ++diagnostics; };
   w.connect.AddinInstance_OnConnection(w.ide);
@@ -119,8 +121,8 @@ TEST(Connect, SinksFollowTheIdesProjectsByName) {
 }
 
 TEST(Connect, DisconnectionTakesEverythingDownInOrder) {
-  ConnectWorld w;
   std::vector<std::string> log;
+  ConnectWorld w;
   w.connect.SetMenu(std::make_unique<RecordingMenu>(log));
   w.Open("C:\\A\\Widgets.vbp", "Widgets");
   w.connect.AddinInstance_OnConnection(w.ide);
