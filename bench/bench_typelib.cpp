@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <iostream>
@@ -49,7 +50,7 @@ void BM_DecodeMshtml(benchmark::State& state) {
       state.SkipWithError(raw.error().description.c_str());
       return;
     }
-    benchmark::DoNotOptimize(ProjectLibrary(*raw));
+    benchmark::DoNotOptimize(ProjectLibrary(std::move(*raw)));
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * file->size()));
 }

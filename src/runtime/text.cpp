@@ -1,7 +1,9 @@
 #include "runtime/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace sentrune::rt {
 namespace {
@@ -135,6 +137,7 @@ std::string UCase(std::string_view text) { return MapBytes(text, UpperByte); }
 
 bool IEquals(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
+  if (a == b) return true;
   unsigned char previousA = 0, previousB = 0;
   for (size_t i = 0; i < a.size(); ++i) {
     const auto ca = static_cast<unsigned char>(a[i]);
@@ -144,6 +147,52 @@ bool IEquals(std::string_view a, std::string_view b) {
     previousB = cb;
   }
   return true;
+}
+
+namespace {
+
+constexpr uint64_t kEveryByte = 0x0101010101010101u;
+
+// Up to eight bytes as one word, folded. All-ASCII words fold at once; the
+// others byte by byte, which needs the byte before them.
+uint64_t FoldWord(const char* bytes, size_t count, unsigned char previous) {
+  char folded[8] = {};
+  uint64_t word = 0;
+  if (count == 8) {
+    std::memcpy(&word, bytes, 8);
+    if ((word & (0x80 * kEveryByte)) == 0) {
+      const uint64_t atLeastA = word + (0x80 - 'A') * kEveryByte;
+      const uint64_t aboveZ = word + (0x80 - 'Z' - 1) * kEveryByte;
+      return word | ((atLeastA & ~aboveZ & (0x80 * kEveryByte)) >> 2);
+    }
+  }
+  for (size_t i = 0; i < count; ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    folded[i] = LowerByte(previous, byte);
+    previous = byte;
+  }
+  std::memcpy(&word, folded, 8);
+  return word;
+}
+
+uint64_t Mix(uint64_t hash, uint64_t word) {
+  hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+  return hash ^ (hash >> 29);
+}
+
+}  // namespace
+
+size_t IHash(std::string_view text) {
+  uint64_t hash = 0xCBF29CE484222325u ^ text.size();
+  unsigned char previous = 0;
+  for (size_t pos = 0; pos < text.size(); pos += 8) {
+    const size_t count = std::min<size_t>(8, text.size() - pos);
+    hash = Mix(hash, FoldWord(text.data() + pos, count, previous));
+    previous = static_cast<unsigned char>(text[pos + count - 1]);
+  }
+  // Slots are chosen by the low bits, so the high bits are folded down.
+  hash = (hash ^ (hash >> 33)) * 0xFF51AFD7ED558CCDu;
+  return static_cast<size_t>(hash ^ (hash >> 33));
 }
 
 std::string LTrim(std::string_view text) {

@@ -24,6 +24,9 @@ std::string UCase(std::string_view text);
 
 // Equality after LCase folding, without allocating.
 bool IEquals(std::string_view a, std::string_view b);
+// A hash of LCase(text), without allocating: texts IEquals calls equal hash
+// alike.
+size_t IHash(std::string_view text);
 
 // VB trims blanks (U+0020) only: tabs and line breaks stay.
 std::string Trim(std::string_view text);

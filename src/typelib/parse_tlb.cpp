@@ -49,37 +49,18 @@ TypeLibReadResult Trapped(const rt::VbError& error) {
   return result;
 }
 
-struct Declaration {
-  std::string text;
-  std::string help;
-};
-
-// Copies the key before the item moves: argument evaluation order would
-// otherwise decide whether the key is read from a moved-from item.
-template <class T>
-void AddKeyed(rt::KeyedCollection<T>& to, std::string T::*keyField, T item) {
-  std::string key = item.*keyField;
-  to.Add(std::move(key), std::move(item));
-}
-
-std::string WithHelp(const std::string& text, const std::string& help) {
-  return help.empty() ? text : text + " '" + help;
-}
-
 }  // namespace
 
-// The reader's working state: per type info its name, position, link pair
-// and hidden flag, and the worklist of top-level items.
+// The reader's working state: per type info its link pair and whether
+// another type info claims it, and the worklist of top-level items.
 struct clsParseTLB::Reader {
   Reader(clsParseTLB& owner, const platform::TlbLibrary& library) : model(owner), lib(library) {}
 
   clsParseTLB& model;
   const platform::TlbLibrary& lib;
-  std::vector<std::string> names;
-  std::vector<int32_t> positions;
   std::vector<std::pair<int32_t, int32_t>> links;  // default, default source (1-based, -1 none)
-  std::vector<bool> hidden;
-  rt::KeyedCollection<clsInterfaceInfo> topLevel;
+  std::vector<bool> claimed;
+  MemberCollection topLevel;
 
   const platform::TlbTypeInfo& Info(int32_t position) const { return lib.types[position - 1]; }
 
@@ -87,32 +68,28 @@ struct clsParseTLB::Reader {
     return position >= 0 && static_cast<size_t>(position) < lib.types.size() ? position + 1 : -1;
   }
 
+  // A type info named in another's link pair is shown inside that one, not
+  // on its own; naming itself does not count.
   void IndexTypeInfos() {
+    claimed.assign(lib.types.size(), false);
     for (size_t i = 0; i < lib.types.size(); ++i) {
       const platform::TlbTypeInfo& info = lib.types[i];
-      names.push_back(info.name);
-      positions.push_back(static_cast<int32_t>(i + 1));
-      // Exactly hidden: a hidden type info with other flags stays visible.
-      hidden.push_back(info.flags == 16);
       links.emplace_back(LinkOf(info.defaultInterface), LinkOf(info.defaultSource));
+      const auto self = static_cast<int32_t>(i + 1);
+      for (const int32_t link : {links.back().first, links.back().second})
+        if (link != -1 && link != self) claimed[link - 1] = true;
     }
-  }
-
-  bool ClaimedByAnother(int32_t position) const {
-    for (size_t j = 0; j < links.size(); ++j) {
-      if (positions[j] == position) continue;
-      if (links[j].first == position || links[j].second == position) return true;
-    }
-    return false;
   }
 
   void BuildTopLevel() {
-    for (size_t i = 0; i < names.size(); ++i) {
-      if (hidden[i] || ClaimedByAnother(positions[i])) continue;
+    for (size_t i = 0; i < lib.types.size(); ++i) {
+      const platform::TlbTypeInfo& info = lib.types[i];
+      // Exactly hidden: a hidden type info with other flags stays visible.
+      if (info.flags == 16 || claimed[i]) continue;
       clsInterfaceInfo item;
-      item.TypeInfo = positions[i];
-      item.MemberName = Info(positions[i]).kind == "enum" ? "Enum " + names[i] : names[i];
-      AddKeyed(topLevel, &clsInterfaceInfo::MemberName, std::move(item));
+      item.TypeInfo = static_cast<int32_t>(i + 1);
+      item.MemberName = info.kind == "enum" ? "Enum " + info.name : info.name;
+      topLevel.Add(std::move(item));
     }
   }
 
@@ -123,12 +100,6 @@ struct clsParseTLB::Reader {
       if (Info(entry.item.TypeInfo).kind == "enum") DisplayInterfaces(entry.item.TypeInfo);
     for (const auto& entry : topLevel)
       if (Info(entry.item.TypeInfo).kind != "enum") DisplayInterfaces(entry.item.TypeInfo);
-  }
-
-  // subEvaluateClass: only members without any flag are bindable by clients.
-  static void EvaluateClass(const platform::TlbTypeInfo& info, std::vector<Declaration>& out) {
-    for (const platform::TlbMember& function : info.functions)
-      if (function.flags == 0) out.push_back({MemberDeclaration(function), function.helpString});
   }
 
   void EvaluateEnumOrType(const platform::TlbTypeInfo& info) {
@@ -144,51 +115,70 @@ struct clsParseTLB::Reader {
       } else {
         member.MemberName = variable.name + TypeText(variable.type);
       }
-      AddKeyed(record.Members, &clsInterfaceInfo::MemberName, std::move(member));
+      record.Members.Add(std::move(member));
     }
     auto& target = isEnum ? model.enums_ : model.types_;
-    AddKeyed(target, &clsEnumOrType::MemberName, std::move(record));
+    target.Add(std::move(record));
   }
 
+  // A coclass shows its own functions and its default interface's as
+  // properties and methods, and its default source's as events.
   void DisplayInterfaces(int32_t position) {
     const platform::TlbTypeInfo& info = Info(position);
     if (info.kind == "enum" || info.kind == "record") {
       EvaluateEnumOrType(info);
       return;
     }
-    std::vector<Declaration> main;
-    std::vector<Declaration> events;
-    EvaluateClass(info, main);
-    const auto [defaultInterface, defaultSource] = links[position - 1];
-    if (defaultSource != -1) EvaluateClass(Info(defaultSource), events);
-    if (defaultInterface != -1) EvaluateClass(Info(defaultInterface), main);
-    AddClass(info, main, events);
-  }
-
-  void AddClass(const platform::TlbTypeInfo& info, const std::vector<Declaration>& main,
-                const std::vector<Declaration>& events) {
     clsClass cls;
     cls.ClassName = info.name;
     cls.ClassGUID = info.guid;
-    for (const Declaration& d : main) {
+    EvaluateClass(info, cls);
+    const auto [defaultInterface, defaultSource] = links[position - 1];
+    if (defaultInterface != -1) EvaluateClass(Info(defaultInterface), cls);
+    if (defaultSource != -1) EvaluateEvents(Info(defaultSource), cls);
+    model.classes_.Add(std::move(cls));
+  }
+
+  // subEvaluateClass: only members without any flag are bindable by clients.
+  static void EvaluateClass(const platform::TlbTypeInfo& info, clsClass& cls) {
+    for (const platform::TlbMember& function : info.functions) {
+      if (function.flags != 0) continue;
       clsInterfaceInfo member;
-      member.MemberHelp = d.help;
-      if (d.text.starts_with("Property")) {
-        member.MemberName = sfncStripScopeDefAndHelp(WithHelp("Public " + d.text, d.help), "Property");
-        AddKeyed(cls.Properties, &clsInterfaceInfo::MemberName, std::move(member));
+      member.MemberHelp = function.helpString;
+      member.MemberName = MemberDeclaration(function);
+      if (member.MemberName.starts_with("Property")) {
+        // The help comment the declaration would carry is cut off again, so
+        // it is never added.
+        KeepOnly(member.MemberName, StripScopeDefAndHelpView(member.MemberName, "Property"));
+        cls.Properties.Add(std::move(member));
       } else {
-        member.MemberName = d.text;
-        AddKeyed(cls.Methods, &clsInterfaceInfo::MemberName, std::move(member));
+        cls.Methods.Add(std::move(member));
       }
     }
-    for (const Declaration& d : events) {
+  }
+
+  static void EvaluateEvents(const platform::TlbTypeInfo& info, clsClass& cls) {
+    for (const platform::TlbMember& function : info.functions) {
+      if (function.flags != 0) continue;
       clsInterfaceInfo member;
-      member.MemberHelp = d.help;
+      member.MemberHelp = function.helpString;
+      member.MemberName = MemberDeclaration(function);
       // Drops the leading "Sub " of the declaration.
-      member.MemberName = rt::Trim(d.text.size() > 4 ? std::string_view(d.text).substr(4) : "");
-      AddKeyed(cls.Events, &clsInterfaceInfo::MemberName, std::move(member));
+      const std::string_view text = member.MemberName;
+      KeepOnly(member.MemberName, TrimBlanks(text.size() > 4 ? text.substr(4) : std::string_view()));
+      cls.Events.Add(std::move(member));
     }
-    AddKeyed(model.classes_, &clsClass::ClassName, std::move(cls));
+  }
+
+  // Cuts `text` down to `part`, a view into it, without a copy.
+  static void KeepOnly(std::string& text, std::string_view part) {
+    if (part.empty()) {
+      text.clear();
+      return;
+    }
+    const auto start = static_cast<size_t>(part.data() - text.data());
+    text.erase(start + part.size());
+    text.erase(0, start);
   }
 };
 

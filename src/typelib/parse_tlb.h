@@ -45,9 +45,9 @@ class clsParseTLB {
   const std::string& GUID() const { return guid_; }
   const std::string& TLBVersionString() const { return tlbVersion_; }
   const std::string& FileVersionString() const { return fileVersion_; }
-  const rt::KeyedCollection<clsEnumOrType>& Enums() const { return enums_; }
-  const rt::KeyedCollection<clsEnumOrType>& Types() const { return types_; }
-  const rt::KeyedCollection<clsClass>& Classes() const { return classes_; }
+  const EnumOrTypeCollection& Enums() const { return enums_; }
+  const EnumOrTypeCollection& Types() const { return types_; }
+  const ClassCollection& Classes() const { return classes_; }
 
   // Every difference as one line of text, this library against `Other`,
   // in the order found. IgnoreMinor skips the library help string and
@@ -76,9 +76,9 @@ class clsParseTLB {
   std::string guid_;
   std::string tlbVersion_;
   std::string fileVersion_;
-  rt::KeyedCollection<clsEnumOrType> enums_;
-  rt::KeyedCollection<clsEnumOrType> types_;
-  rt::KeyedCollection<clsClass> classes_;
+  EnumOrTypeCollection enums_;
+  EnumOrTypeCollection types_;
+  ClassCollection classes_;
 };
 
 }  // namespace sentrune

@@ -65,7 +65,7 @@ class Pass {
       if (!inA.Contains(entry.item.MemberName)) Missing(kind, phrase, entry.item.MemberName);
   }
 
-  void RecordChecks(const rt::KeyedCollection<clsEnumOrType>& inA, const rt::KeyedCollection<clsEnumOrType>& inB,
+  void RecordChecks(const EnumOrTypeCollection& inA, const EnumOrTypeCollection& inB,
                     DiffKind kind, const char* phrase, DiffKind memberKind, const char* memberPhrase) {
     for (const auto& entry : inB) {
       const clsEnumOrType* found = inA.Find(entry.item.MemberName);

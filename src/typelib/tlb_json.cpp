@@ -19,7 +19,7 @@ Json MemberList(const MemberCollection& members, bool withValue) {
   return list;
 }
 
-Json RecordList(const rt::KeyedCollection<clsEnumOrType>& records, bool withValue) {
+Json RecordList(const EnumOrTypeCollection& records, bool withValue) {
   Json list = Json::array();
   for (const auto& entry : records) {
     Json r;
@@ -30,7 +30,7 @@ Json RecordList(const rt::KeyedCollection<clsEnumOrType>& records, bool withValu
   return list;
 }
 
-Json ClassList(const rt::KeyedCollection<clsClass>& classes) {
+Json ClassList(const ClassCollection& classes) {
   Json list = Json::array();
   for (const auto& entry : classes) {
     Json c;

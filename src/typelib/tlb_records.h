@@ -18,13 +18,15 @@ struct clsInterfaceInfo {
   std::string MemberName;
 };
 
-using MemberCollection = rt::KeyedCollection<clsInterfaceInfo>;
+using MemberCollection = rt::KeyedCollection<clsInterfaceInfo, &clsInterfaceInfo::MemberName>;
 
 // An enumeration or a user-defined type (record).
 struct clsEnumOrType {
   std::string MemberName;
   MemberCollection Members;
 };
+
+using EnumOrTypeCollection = rt::KeyedCollection<clsEnumOrType, &clsEnumOrType::MemberName>;
 
 struct clsClass {
   std::string ClassName;
@@ -33,5 +35,7 @@ struct clsClass {
   MemberCollection Methods;
   MemberCollection Events;
 };
+
+using ClassCollection = rt::KeyedCollection<clsClass, &clsClass::ClassName>;
 
 }  // namespace sentrune

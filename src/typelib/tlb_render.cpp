@@ -44,8 +44,32 @@ std::string UnsupportedName(unsigned base) {
   return name + ">";
 }
 
-std::string AsClause(bool isArray, const std::string& name) {
-  return (isArray ? "() As " : " As ") + name;
+// Declarations are built by appending into one buffer: a model renders every
+// member and parameter of a library, and temporaries per piece cost more than
+// the reading itself.
+void AppendAsClause(std::string& out, bool isArray, std::string_view name) {
+  out += isArray ? "() As " : " As ";
+  out += name;
+}
+
+void AppendTypeText(std::string& out, const platform::TlbType& type) {
+  const bool isArray = (type.code & vt::kArrayFlag) != 0;
+  const unsigned base = type.code & 0xFF;
+  if (base == 0 && !type.userTypeName.empty()) return AppendAsClause(out, isArray, type.userTypeName);
+  const char* name = BaseTypeName(base);
+  if (name) return AppendAsClause(out, isArray, name);
+  AppendAsClause(out, isArray, UnsupportedName(base));
+}
+
+void AppendUnmangled(std::string& out, std::string_view name) {
+  if (name.starts_with("_B_var_")) {
+    out += name.substr(7);
+  } else if (name.starts_with("_B_str_")) {
+    out += name.substr(7);
+    out += '$';
+  } else {
+    out += name;
+  }
 }
 
 std::string Printf(const char* format, double value) {
@@ -92,39 +116,49 @@ std::u16string ToCodeUnits(std::string_view utf8) {
   return units;
 }
 
-std::string ParameterText(const platform::TlbParam& param) {
-  std::string text;
-  if (param.optional || param.hasDefault) text += "Optional ";
-  if ((param.type.code & vt::kByRefFlag) == 0) text += "ByVal ";
-  text += param.name + TypeText(param.type);
-  if (param.hasDefault) text += " = " + DefaultValueText(param.defaultValue);
-  return text;
+void AppendParameter(std::string& out, const platform::TlbParam& param) {
+  if (param.optional || param.hasDefault) out += "Optional ";
+  if ((param.type.code & vt::kByRefFlag) == 0) out += "ByVal ";
+  out += param.name;
+  AppendTypeText(out, param.type);
+  if (param.hasDefault) {
+    out += " = ";
+    out += DefaultValueText(param.defaultValue);
+  }
 }
 
-std::string ParameterList(const platform::TlbMember& member) {
+void AppendParameterList(std::string& out, const platform::TlbMember& member) {
   const auto& params = member.params;
-  if (params.empty()) return "()";
+  if (params.empty()) {
+    out += "()";
+    return;
+  }
   // The value of a Let is written as "RHS" with its type, whatever its name.
   const bool rhs = member.invokeKind == 4;
   const size_t ordinary = rhs ? params.size() - 1 : params.size();
-  std::string text;
-  for (size_t i = 0; i < ordinary; ++i) text += (i == 0 ? "(" : ", ") + ParameterText(params[i]);
-  if (rhs) text += (ordinary == 0 ? "(RHS " : ", RHS") + TypeText(params.back().type);
-  return text + ")";
+  for (size_t i = 0; i < ordinary; ++i) {
+    out += i == 0 ? "(" : ", ";
+    AppendParameter(out, params[i]);
+  }
+  if (rhs) {
+    out += ordinary == 0 ? "(RHS " : ", RHS";
+    AppendTypeText(out, params.back().type);
+  }
+  out += ')';
 }
 
 }  // namespace
 
 std::string sfncTranslateType(uint16_t code) {
-  const unsigned base = code & 0xFF;
-  const char* name = BaseTypeName(base);
-  return AsClause((code & vt::kArrayFlag) != 0, name ? name : UnsupportedName(base));
+  std::string text;
+  AppendTypeText(text, platform::TlbType{code, {}});
+  return text;
 }
 
 std::string TypeText(const platform::TlbType& type) {
-  if ((type.code & 0xFF) == 0 && !type.userTypeName.empty())
-    return AsClause((type.code & vt::kArrayFlag) != 0, type.userTypeName);
-  return sfncTranslateType(type.code);
+  std::string text;
+  AppendTypeText(text, type);
+  return text;
 }
 
 std::string sfncGetMemberType(int invokeKind, const platform::TlbType& returnType) {
@@ -140,9 +174,9 @@ std::string sfncGetMemberType(int invokeKind, const platform::TlbType& returnTyp
 }
 
 std::string UnmangleName(std::string_view name) {
-  if (name.starts_with("_B_var_")) return std::string(name.substr(7));
-  if (name.starts_with("_B_str_")) return std::string(name.substr(7)) + "$";
-  return std::string(name);
+  std::string text;
+  AppendUnmangled(text, name);
+  return text;
 }
 
 std::string sfncParseForNonPrintable(std::string_view text) {
@@ -188,20 +222,35 @@ std::string DefaultValueText(const platform::TlbValue& value) {
 
 std::string MemberDeclaration(const platform::TlbMember& member) {
   const std::string kind = sfncGetMemberType(member.invokeKind, member.type);
-  std::string text = kind + " " + UnmangleName(member.name) + ParameterList(member);
-  if (kind == "Function" || kind == "Property Get") text += TypeText(member.type);
+  std::string text;
+  text.reserve(kind.size() + member.name.size() + 32 * member.params.size() + 24);
+  text += kind;
+  text += ' ';
+  AppendUnmangled(text, member.name);
+  AppendParameterList(text, member);
+  if (kind == "Function" || kind == "Property Get") AppendTypeText(text, member.type);
   // Deliberately blunt: it also cuts "Const" out of names.
   if (member.invokeKind == 0) text = rt::Replace(text, "Const", "");
   return text;
 }
 
 std::string sfncStripScopeDefAndHelp(std::string_view text, std::string_view scope) {
-  const std::string folded = rt::LCase(text);
-  const size_t at = folded.find(rt::LCase(scope));
-  std::string rest = rt::Trim(at == std::string::npos ? text : text.substr(at + scope.size()));
+  return std::string(StripScopeDefAndHelpView(text, scope));
+}
+
+std::string_view StripScopeDefAndHelpView(std::string_view text, std::string_view scope) {
+  // A text that starts with the scope as written needs no folded copy.
+  const size_t at = text.starts_with(scope) ? 0 : rt::LCase(text).find(rt::LCase(scope));
+  std::string_view rest = TrimBlanks(at == std::string::npos ? text : text.substr(at + scope.size()));
   const size_t comment = rest.find('\'');
-  if (comment != std::string::npos) rest = rt::Trim(std::string_view(rest).substr(0, comment));
+  if (comment != std::string::npos) rest = TrimBlanks(rest.substr(0, comment));
   return rest;
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 }  // namespace sentrune

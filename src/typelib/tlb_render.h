@@ -39,5 +39,10 @@ std::string MemberDeclaration(const platform::TlbMember& member);
 // cut before its first "'" comment: "Public Property Get X() As Long 'help"
 // with scope "Property" gives "Get X() As Long".
 std::string sfncStripScopeDefAndHelp(std::string_view text, std::string_view scope);
+// The same text, as a view into `text`.
+std::string_view StripScopeDefAndHelpView(std::string_view text, std::string_view scope);
+
+// Blanks (U+0020) trimmed from both ends, as a view into `text`.
+std::string_view TrimBlanks(std::string_view text);
 
 }  // namespace sentrune

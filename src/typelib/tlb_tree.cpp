@@ -34,7 +34,7 @@ void AddMembers(TreeNode& group, const MemberCollection& members) {
   AddNoneWhenEmpty(group);
 }
 
-void AddEnums(TreeNode& root, const rt::KeyedCollection<clsEnumOrType>& enums) {
+void AddEnums(TreeNode& root, const EnumOrTypeCollection& enums) {
   TreeNode& group = AddChild(root, "Enums", "Enums");
   for (const auto& entry : enums) {
     TreeNode& node = AddChild(group, entry.item.MemberName, entry.item.MemberName);
@@ -46,7 +46,7 @@ void AddEnums(TreeNode& root, const rt::KeyedCollection<clsEnumOrType>& enums) {
   AddNoneWhenEmpty(group);
 }
 
-void AddTypes(TreeNode& root, const rt::KeyedCollection<clsEnumOrType>& types) {
+void AddTypes(TreeNode& root, const EnumOrTypeCollection& types) {
   TreeNode& group = AddChild(root, "Types", "Types");
   for (const auto& entry : types) {
     TreeNode& node = AddChild(group, entry.item.MemberName, entry.item.MemberName);
@@ -56,7 +56,7 @@ void AddTypes(TreeNode& root, const rt::KeyedCollection<clsEnumOrType>& types) {
   AddNoneWhenEmpty(group);
 }
 
-void AddClasses(TreeNode& root, const rt::KeyedCollection<clsClass>& classes) {
+void AddClasses(TreeNode& root, const ClassCollection& classes) {
   TreeNode& group = AddChild(root, "Classes", "Classes");
   for (const auto& entry : classes) {
     const clsClass& cls = entry.item;

@@ -138,6 +138,37 @@ TEST(ProjectionRules, InterfaceKindDualsShowTheDispatchView) {
   EXPECT_TRUE(view.functions[8].params.empty());
 }
 
+TEST(ProjectionRules, TextsThatDualViewsRepeatSurviveTheMovingProjection) {
+  // The base's texts appear in its own projection and in the dual's view,
+  // whichever of the two comes first in the library.
+  for (const bool baseFirst : {true, false}) {
+    Library lib;
+    RawTypeInfo base;
+    base.name = "IBase";
+    base.kind = TypeKind::kInterface;
+    base.funcs.push_back(Library::TakingA(lib.Desc(vt::kBstr), 5));
+    base.funcs.back().helpString = "help text longer than a short string";
+    base.funcs.back().params[0].name = "parameterWithALongName";
+    base.funcs.back().params[0].defaultValue = platform::TlbValue{vt::kBstr, 0, 0, "a default long enough to allocate"};
+    RawTypeInfo dual;
+    dual.name = "IDual";
+    dual.kind = TypeKind::kDispatch;
+    dual.flags = 0x1140;
+    dual.impls = {{{RawRef::Kind::kLocal, baseFirst ? 0 : 1, "", {}, ""}, 0}};
+    lib.raw.types = baseFirst ? std::vector<RawTypeInfo>{base, dual} : std::vector<RawTypeInfo>{dual, base};
+
+    const platform::TlbLibrary projected = ProjectLibrary(std::move(lib.raw));
+    const platform::TlbMember& own = projected.types[baseFirst ? 0 : 1].functions.at(0);
+    const platform::TlbMember& repeated = projected.types[baseFirst ? 1 : 0].functions.at(7);
+    for (const platform::TlbMember* member : {&own, &repeated}) {
+      EXPECT_EQ(member->name, "F") << baseFirst;
+      EXPECT_EQ(member->helpString, base.funcs[0].helpString) << baseFirst;
+      EXPECT_EQ(member->params.at(0).name, "parameterWithALongName") << baseFirst;
+      EXPECT_EQ(member->params.at(0).defaultValue.text, "a default long enough to allocate") << baseFirst;
+    }
+  }
+}
+
 TEST(ProjectionRules, LongDualChainsCannotMultiplyTheOutput) {
   // Each dual derives from the one before; in full the views would repeat
   // about a million functions.

@@ -64,5 +64,21 @@ TEST(KeyedCollection, LargeCollectionStaysConsistentAfterRemovals) {
   EXPECT_EQ(*std::as_const(c).Find("Member1199"), -1199);
 }
 
+TEST(KeyedCollection, AKeyHeldInTheItemFindsItAndRefusesRepeats) {
+  struct Named {
+    std::string name;
+    int value = 0;
+  };
+  KeyedCollection<Named, &Named::name> c;
+  EXPECT_TRUE(c.Add({"Property Get Caption() As String", 1}));
+  EXPECT_FALSE(c.Add({"PROPERTY GET CAPTION() AS STRING", 2}));
+  EXPECT_TRUE(c.Add({"Property Let Caption(RHS As String)", 3}));
+  ASSERT_NE(c.Find("property get caption() as string"), nullptr);
+  EXPECT_EQ(c.Find("property get caption() as string")->value, 1);
+  EXPECT_EQ(c.keyAt(1), "Property Let Caption(RHS As String)");
+  EXPECT_TRUE(c.Remove("Property Get Caption() As String"));
+  EXPECT_EQ(c.Find("Property Let Caption(RHS As String)")->value, 3);
+}
+
 }  // namespace
 }  // namespace sentrune::rt

@@ -49,6 +49,20 @@ TEST(Text, IEqualsUsesTheSameFolding) {
   EXPECT_FALSE(IEquals("[", "{"));
 }
 
+TEST(Text, IHashAgreesWithTheFolding) {
+  // Eight-byte words fold at once when ASCII; a Latin-1 letter split across
+  // two words needs the byte before.
+  for (const std::string text : {"Property Get Caption() As String", "Function Find(Key As String)",
+                                 "1234567\u00C9t\u00E9 Caf\u00C9", "\u00C9", "[@`{", "ABCDEFGH", ""}) {
+    EXPECT_EQ(IHash(text), IHash(LCase(text))) << text;
+    EXPECT_EQ(IHash(text), IHash(UCase(text))) << text;
+  }
+  // Bytes just outside A..Z are not letters.
+  EXPECT_NE(IHash("@@@@@@@@"), IHash("````````"));
+  EXPECT_NE(IHash("[[[[[[[["), IHash("{{{{{{{{"));
+  EXPECT_NE(IHash("Caption"), IHash("Caption "));
+}
+
 TEST(Text, TrimsBlanksOnly) {
   EXPECT_EQ(Trim("  \tx y\t  "), "\tx y\t");
   EXPECT_EQ(LTrim("  x  "), "x  ");

@@ -8,8 +8,8 @@ namespace {
 using namespace tlb;
 namespace vt = platform::vt;
 
-template <class T>
-std::vector<std::string> Keys(const rt::KeyedCollection<T>& items) {
+template <class Collection>
+std::vector<std::string> Keys(const Collection& items) {
   std::vector<std::string> keys;
   for (const auto& entry : items) keys.push_back(entry.key());
   return keys;

@@ -1,6 +1,7 @@
 #include "platform/portable/typelib_projection.h"
 
 #include <array>
+#include <utility>
 
 #include "platform/portable/typelib_projection_dispatch.h"
 #include "platform/portable/typelib_projection_members.h"
@@ -42,19 +43,35 @@ void LinkPair(const RawTypeInfo& type, TlbTypeInfo& out) {
   }
 }
 
+// Per type info, whether the dispatch view of some dual repeats its
+// functions, so that they are projected more than once.
+std::vector<bool> DispatchBases(const RawLibrary& raw) {
+  std::vector<bool> bases(raw.types.size());
+  for (const RawTypeInfo& type : raw.types) {
+    if (!IsDual(type)) continue;
+    for (const RawTypeInfo* base : BaseChain(raw, type))
+      bases[static_cast<size_t>(base - raw.types.data())] = true;
+  }
+  return bases;
+}
+
+// With `take` the functions' texts are moved out of `type`.
 std::vector<platform::TlbMember> Functions(const RawLibrary& raw, const TypeProjection& types,
-                                           const RawTypeInfo& type, size_t& inheritedBudget) {
+                                           RawTypeInfo& type, bool take, size_t& inheritedBudget) {
   std::vector<platform::TlbMember> functions;
   switch (type.kind) {
     case TypeKind::kInterface:
     case TypeKind::kDispatch:
     case TypeKind::kModule:
       if (IsDual(type)) {
-        functions = DispatchView(raw, types, type, inheritedBudget);
+        functions = DispatchView(raw, types, type, take, inheritedBudget);
         break;
       }
       functions.reserve(type.funcs.size());
-      for (const RawFunc& func : type.funcs) functions.push_back(ProjectFunction(func, types, false));
+      for (RawFunc& func : type.funcs) {
+        functions.push_back(take ? ProjectFunction(std::move(func), types, false)
+                                 : ProjectFunction(func, types, false));
+      }
       break;
     default: break;
   }
@@ -62,8 +79,8 @@ std::vector<platform::TlbMember> Functions(const RawLibrary& raw, const TypeProj
   return functions;
 }
 
-TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, const RawTypeInfo& type,
-                        size_t& inheritedBudget) {
+TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, RawTypeInfo& type,
+                        bool take, size_t& inheritedBudget) {
   TlbTypeInfo out;
   out.name = type.name;
   out.helpString = type.helpString;
@@ -73,18 +90,22 @@ TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, cons
   out.guid = type.guid.empty() || memberless ? kNullGuid : type.guid;
   out.flags = dual ? type.flags & ~kTypeFlagOleAutomation : type.flags;
   if (type.kind == TypeKind::kCoclass) LinkPair(type, out);
-  out.functions = Functions(raw, types, type, inheritedBudget);
+  out.functions = Functions(raw, types, type, take, inheritedBudget);
   const bool isEnum = type.kind == TypeKind::kEnum;
   if (isEnum || type.kind == TypeKind::kRecord) {
     out.variables.reserve(type.vars.size());
-    for (const RawVar& var : type.vars) out.variables.push_back(ProjectVariable(var, types, isEnum));
+    for (RawVar& var : type.vars) out.variables.push_back(ProjectVariable(std::move(var), types, isEnum));
   }
   return out;
 }
 
 }  // namespace
 
-platform::TlbLibrary ProjectLibrary(const RawLibrary& raw) {
+platform::TlbLibrary ProjectLibrary(const RawLibrary& raw) { return ProjectLibrary(RawLibrary(raw)); }
+
+// Member texts move from the stored form into the view, except those of the
+// interfaces that dispatch views repeat: a large library has tens of thousands.
+platform::TlbLibrary ProjectLibrary(RawLibrary&& raw) {
   platform::TlbLibrary library;
   library.name = raw.name;
   library.helpString = raw.helpString;
@@ -95,9 +116,10 @@ platform::TlbLibrary ProjectLibrary(const RawLibrary& raw) {
   size_t stored = 0;
   for (const RawTypeInfo& type : raw.types) stored += type.funcs.size();
   size_t inheritedBudget = kInheritedPerStored * stored + kInheritedSlack;
+  const std::vector<bool> repeated = DispatchBases(raw);
   library.types.reserve(raw.types.size());
-  for (const RawTypeInfo& type : raw.types) {
-    library.types.push_back(ProjectType(raw, types, type, inheritedBudget));
+  for (size_t i = 0; i < raw.types.size(); ++i) {
+    library.types.push_back(ProjectType(raw, types, raw.types[i], !repeated[i], inheritedBudget));
   }
   return library;
 }

@@ -12,5 +12,7 @@ namespace sentrune::portable {
 // Never fails: indexes that lead nowhere become unresolved types (code 29
 // without a name) or missing links (-1).
 platform::TlbLibrary ProjectLibrary(const RawLibrary& raw);
+// The same, moving the member texts out of `raw` instead of copying them.
+platform::TlbLibrary ProjectLibrary(RawLibrary&& raw);
 
 }  // namespace sentrune::portable

@@ -64,9 +64,10 @@ bool IsDispatchRoot(const RawTypeInfo& type) {
   return type.guid == kIUnknownGuid || type.guid == kIDispatchGuid;
 }
 
-// The local interfaces between the dual and IDispatch, base first. The chain
-// stops at IDispatch or IUnknown, at an import (whose functions are not in
-// this file) and at anything that is neither an interface nor a dual.
+}  // namespace
+
+// The chain stops at IDispatch or IUnknown, at an import (whose functions are
+// not in this file) and at anything that is neither an interface nor a dual.
 std::vector<const RawTypeInfo*> BaseChain(const RawLibrary& raw, const RawTypeInfo& dual) {
   std::vector<const RawTypeInfo*> chain;
   std::vector<bool> seen(raw.types.size());
@@ -89,10 +90,8 @@ std::vector<const RawTypeInfo*> BaseChain(const RawLibrary& raw, const RawTypeIn
   return chain;
 }
 
-}  // namespace
-
 std::vector<TlbMember> DispatchView(const RawLibrary& raw, const TypeProjection& types,
-                                    const RawTypeInfo& dual, size_t& inheritedBudget) {
+                                    RawTypeInfo& dual, bool takeOwn, size_t& inheritedBudget) {
   static const std::vector<TlbMember> kBase = DispatchBaseFunctions();
   std::vector<const RawTypeInfo*> chain = BaseChain(raw, dual);
   size_t count = kBase.size() + dual.funcs.size();
@@ -110,7 +109,10 @@ std::vector<TlbMember> DispatchView(const RawLibrary& raw, const TypeProjection&
   for (const RawTypeInfo* type : chain) {
     for (const RawFunc& func : type->funcs) functions.push_back(ProjectFunction(func, types, true));
   }
-  for (const RawFunc& func : dual.funcs) functions.push_back(ProjectFunction(func, types, true));
+  for (RawFunc& func : dual.funcs) {
+    functions.push_back(takeOwn ? ProjectFunction(std::move(func), types, true)
+                                : ProjectFunction(func, types, true));
+  }
   return functions;
 }
 

@@ -13,7 +13,12 @@ namespace sentrune::portable {
 // still copy; a chain that does not fit is cut. Real libraries stay far below
 // it, hostile ones cannot make the projection grow with the square of the
 // number of type infos.
+// With `takeOwn` the texts of the dual's own functions are moved out.
 std::vector<platform::TlbMember> DispatchView(const RawLibrary& raw, const TypeProjection& types,
-                                              const RawTypeInfo& dual, size_t& inheritedBudget);
+                                              RawTypeInfo& dual, bool takeOwn, size_t& inheritedBudget);
+
+// The local interfaces between a dual and IDispatch, base first: those whose
+// functions its dispatch view repeats.
+std::vector<const RawTypeInfo*> BaseChain(const RawLibrary& raw, const RawTypeInfo& dual);
 
 }  // namespace sentrune::portable

@@ -1,6 +1,8 @@
 #include "platform/portable/typelib_projection_members.h"
 
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 
 namespace sentrune::portable {
 namespace {
@@ -10,26 +12,29 @@ namespace vt = platform::vt;
 constexpr uint16_t kParamLcid = 0x4, kParamRetval = 0x8, kParamOptional = 0x10,
                    kParamHasDefault = 0x20;
 
-platform::TlbParam ProjectParam(const RawParam& param, const TypeProjection& types) {
+// Param is const RawParam& (its texts are copied) or RawParam (moved out).
+template <class Param>
+platform::TlbParam ProjectParam(Param&& param, const TypeProjection& types) {
   platform::TlbParam out;
-  out.name = param.name;
+  out.name = std::forward<Param>(param).name;
   out.optional = (param.flags & kParamOptional) != 0;
   out.hasDefault = (param.flags & kParamHasDefault) != 0;
-  if (param.defaultValue) out.defaultValue = *param.defaultValue;
+  if (param.defaultValue) out.defaultValue = *std::forward<Param>(param).defaultValue;
   out.type = types.Project(param.type);
   return out;
 }
 
-}  // namespace
-
-platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
-                                    bool dispatchForm) {
+// Func is const RawFunc& (its texts are copied) or RawFunc (moved out).
+template <class Func>
+platform::TlbMember Project(Func&& func, const TypeProjection& types, bool dispatchForm) {
+  using Param = std::conditional_t<std::is_const_v<std::remove_reference_t<Func>>, const RawParam&,
+                                   RawParam&&>;
   platform::TlbMember member;
-  member.name = func.name;
+  member.name = std::forward<Func>(func).name;
   member.memberId = func.memberId;
   member.invokeKind = func.invokeKind;
   member.flags = func.flags;
-  member.helpString = func.helpString;
+  member.helpString = std::forward<Func>(func).helpString;
   size_t count = func.params.size();
   if (dispatchForm && count > 0 && (func.params.back().flags & kParamRetval)) {
     member.type = types.Pointee(func.params.back().type);
@@ -41,18 +46,29 @@ platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& t
   member.params.reserve(count);
   for (size_t i = 0; i < count; ++i) {
     if (dispatchForm && (func.params[i].flags & kParamLcid)) continue;
-    member.params.push_back(ProjectParam(func.params[i], types));
+    member.params.push_back(ProjectParam(static_cast<Param>(func.params[i]), types));
   }
   return member;
 }
 
-platform::TlbMember ProjectVariable(const RawVar& var, const TypeProjection& types, bool isEnum) {
+}  // namespace
+
+platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
+                                    bool dispatchForm) {
+  return Project(func, types, dispatchForm);
+}
+
+platform::TlbMember ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm) {
+  return Project(std::move(func), types, dispatchForm);
+}
+
+platform::TlbMember ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum) {
   platform::TlbMember member;
-  member.name = var.name;
+  member.name = std::move(var.name);
   member.memberId = var.memberId;
   member.flags = var.flags;
-  member.helpString = var.helpString;
-  member.value = var.value;
+  member.helpString = std::move(var.helpString);
+  member.value = std::move(var.value);
   if (isEnum && member.value) member.value->integer = static_cast<int32_t>(member.value->integer);
   member.type = types.Project(var.type);
   return member;

@@ -9,11 +9,14 @@ namespace sentrune::portable {
 
 // `dispatchForm`: as a dispatch view shows a vtable function — a trailing
 // [retval] becomes the return type, otherwise an HRESULT return becomes void,
-// and [lcid] parameters disappear.
+// and [lcid] parameters disappear. From an rvalue the function's texts are
+// moved out rather than copied: for a function projected only once.
 platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
                                     bool dispatchForm);
-// Enum values are cut to 32 bits (two's complement).
-platform::TlbMember ProjectVariable(const RawVar& var, const TypeProjection& types, bool isEnum);
+platform::TlbMember ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm);
+// Enum values are cut to 32 bits (two's complement). The variable's texts are
+// moved out.
+platform::TlbMember ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum);
 
 // Every function takes its name, help string and parameter names from the
 // first function of the list with the same member ID; a parameter beyond that

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "platform/portable/msft_reader.h"
 #include "platform/portable/pe_image.h"
@@ -87,7 +88,7 @@ rt::Result<platform::TlbLibrary> PortableTypeLibSource::Load(const std::string& 
       std::span<const uint8_t>(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()),
       target.resourceIndex);
   if (!raw) return rt::MakeError(raw.error().number, target.file + ": " + raw.error().description);
-  return ProjectLibrary(raw.value());
+  return ProjectLibrary(std::move(raw.value()));
 }
 
 }  // namespace sentrune::portable

@@ -150,18 +150,23 @@ rt::Result<std::string> PosixFileSystem::ReadFile(const std::string& path) const
   if (item->IsFolder()) return PathError(errnum::kPathFileAccessError, path);
   const int fd = open(item->host.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return ErrnoToVbError(errno, path);
-  std::string bytes;
-  char buffer[65536];
+  // Sized from the file first, so that a large component is read in one
+  // piece; a file that grows meanwhile is still read to its end.
+  struct stat info {};
+  std::string bytes(fstat(fd, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) + 1 : 65536, '\0');
+  size_t used = 0;
   for (;;) {
-    const ssize_t got = read(fd, buffer, sizeof buffer);
+    if (used == bytes.size()) bytes.resize(2 * bytes.size());
+    const ssize_t got = read(fd, bytes.data() + used, bytes.size() - used);
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) {
       const int err = got < 0 ? errno : 0;
       close(fd);
       if (err != 0) return ErrnoToVbError(err, path);
+      bytes.resize(used);
       return bytes;
     }
-    bytes.append(buffer, static_cast<size_t>(got));
+    used += static_cast<size_t>(got);
   }
 }
 
