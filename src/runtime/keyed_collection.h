@@ -82,6 +82,14 @@ class KeyedCollection {
     slots_.clear();
   }
 
+  // Room for `count` members in all, so that adding them moves nothing.
+  void Reserve(size_t count) {
+    entries_.reserve(count);
+    size_t capacity = slots_.empty() ? 8 : slots_.size();
+    while (capacity < 2 * count) capacity *= 2;
+    if (capacity > slots_.size()) Grow(capacity);
+  }
+
   size_t size() const { return entries_.size(); }
   bool empty() const { return entries_.empty(); }
 
@@ -118,7 +126,7 @@ class KeyedCollection {
   }
 
   void Index(size_t hash) {
-    if (2 * entries_.size() > slots_.size()) Grow();
+    if (2 * entries_.size() > slots_.size()) Grow(slots_.empty() ? 8 : 2 * slots_.size());
     Place(hash, entries_.size() - 1);
   }
 
@@ -129,8 +137,8 @@ class KeyedCollection {
     slots_[i] = {static_cast<uint32_t>(hash), static_cast<uint32_t>(position + 1)};
   }
 
-  void Grow() {
-    std::vector<Slot> old(slots_.empty() ? 8 : 2 * slots_.size());
+  void Grow(size_t capacity) {
+    std::vector<Slot> old(capacity);
     old.swap(slots_);
     for (const Slot& slot : old)
       if (slot.position != 0) Place(slot.hash, slot.position - 1);

@@ -106,6 +106,7 @@ struct clsParseTLB::Reader {
     const bool isEnum = info.kind == "enum";
     clsEnumOrType record;
     record.MemberName = info.name;
+    record.Members.Reserve(info.variables.size());
     for (const platform::TlbMember& variable : info.variables) {
       clsInterfaceInfo member;
       member.MemberHelp = variable.helpString;
@@ -132,11 +133,33 @@ struct clsParseTLB::Reader {
     clsClass cls;
     cls.ClassName = info.name;
     cls.ClassGUID = info.guid;
-    EvaluateClass(info, cls);
     const auto [defaultInterface, defaultSource] = links[position - 1];
+    ReserveFor(info, defaultInterface, defaultSource, cls);
+    EvaluateClass(info, cls);
     if (defaultInterface != -1) EvaluateClass(Info(defaultInterface), cls);
     if (defaultSource != -1) EvaluateEvents(Info(defaultSource), cls);
     model.classes_.Add(std::move(cls));
+  }
+
+  // Sized up front: a large library's classes hold thousands of members.
+  void ReserveFor(const platform::TlbTypeInfo& info, int32_t defaultInterface, int32_t defaultSource,
+                  clsClass& cls) const {
+    size_t properties = 0, methods = 0, events = 0;
+    const auto count = [&](const platform::TlbTypeInfo& from) {
+      for (const platform::TlbMember& function : from.functions) {
+        if (function.flags != 0) continue;
+        const bool property = function.invokeKind == 2 || function.invokeKind == 4 || function.invokeKind == 8;
+        ++(property ? properties : methods);
+      }
+    };
+    count(info);
+    if (defaultInterface != -1) count(Info(defaultInterface));
+    if (defaultSource != -1) {
+      for (const platform::TlbMember& function : Info(defaultSource).functions) events += function.flags == 0;
+    }
+    cls.Properties.Reserve(properties);
+    cls.Methods.Reserve(methods);
+    cls.Events.Reserve(events);
   }
 
   // subEvaluateClass: only members without any flag are bindable by clients.

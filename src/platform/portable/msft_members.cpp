@@ -21,8 +21,9 @@ class MemberReader {
   MemberReader(const MsftFile& file, MsftTypes& types, Segment records)
       : file_(file), types_(types), records_(records) {}
 
-  RawFunc Function(const MemberEntry& entry, const std::string& previousName) const;
-  RawVar Variable(const MemberEntry& entry) const;
+  // Both fill a new record in place.
+  void Function(const MemberEntry& entry, const std::string& previousName, RawFunc& func) const;
+  void Variable(const MemberEntry& entry, RawVar& var) const;
 
  private:
   void Params(uint64_t record, uint32_t size, int32_t bits, RawFunc& func) const;
@@ -32,13 +33,13 @@ class MemberReader {
   Segment records_;
 };
 
-RawFunc MemberReader::Function(const MemberEntry& entry, const std::string& previousName) const {
+void MemberReader::Function(const MemberEntry& entry, const std::string& previousName,
+                            RawFunc& func) const {
   const uint64_t at = entry.recordOffset;
   const uint32_t size = records_.U32(at) & 0xFFFF;
   if (size < kFuncFixedSize || !records_.Has(at, size)) {
     Fail("function record at " + std::to_string(at) + " has a bad size " + std::to_string(size));
   }
-  RawFunc func;
   func.memberId = entry.memberId;
   // The second half of a property pair may store no name of its own.
   func.name = entry.nameOffset == -1 ? previousName : file_.Name(entry.nameOffset);
@@ -50,7 +51,6 @@ RawFunc MemberReader::Function(const MemberEntry& entry, const std::string& prev
   func.invokeKind = static_cast<uint8_t>((bits >> 3) & 0xF);
   func.optionalCount = records_.I16(at + 22);
   Params(at, size, bits, func);
-  return func;
 }
 
 void MemberReader::Params(uint64_t at, uint32_t size, int32_t bits, RawFunc& func) const {
@@ -70,7 +70,7 @@ void MemberReader::Params(uint64_t at, uint32_t size, int32_t bits, RawFunc& fun
   func.params.reserve(count);
   for (int16_t i = 0; i < count; ++i) {
     const uint64_t p = params + uint64_t(i) * kParamSize;
-    RawParam param;
+    RawParam& param = func.params.emplace_back();
     param.type = types_.TypeDesc(records_.I32(p));
     param.name = file_.Name(records_.I32(p + 4));
     param.flags = records_.U16(p + 8);
@@ -78,18 +78,16 @@ void MemberReader::Params(uint64_t at, uint32_t size, int32_t bits, RawFunc& fun
       const int32_t value = records_.I32(defaults + uint64_t(i) * 4);
       if (value != -1) param.defaultValue = types_.Value(value);
     }
-    func.params.push_back(std::move(param));
   }
 }
 
-RawVar MemberReader::Variable(const MemberEntry& entry) const {
+void MemberReader::Variable(const MemberEntry& entry, RawVar& var) const {
   const uint64_t at = entry.recordOffset;
   // Only the low byte of the first word is the record's size.
   const uint32_t size = records_.U32(at) & 0xFF;
   if (size < kVarFixedSize || !records_.Has(at, size)) {
     Fail("variable record at " + std::to_string(at) + " has a bad size " + std::to_string(size));
   }
-  RawVar var;
   var.memberId = entry.memberId;
   var.name = file_.Name(entry.nameOffset);
   var.type = types_.TypeDesc(records_.I32(at + 4));
@@ -97,7 +95,6 @@ RawVar MemberReader::Variable(const MemberEntry& entry) const {
   var.varKind = static_cast<uint8_t>(records_.U16(at + 12));
   if (var.varKind == kVarConst) var.value = types_.Value(records_.I32(at + 16));
   if (size >= kVarFixedSize + 8) var.helpString = file_.String(records_.I32(at + kVarFixedSize + 4));
-  return var;
 }
 
 }  // namespace
@@ -125,12 +122,13 @@ void ReadMembers(const MsftFile& file, MsftTypes& types, uint32_t block, MemberC
   info.funcs.reserve(counts.functions);
   const std::string none;
   for (uint32_t i = 0; i < counts.functions; ++i) {
-    const std::string& previous = info.funcs.empty() ? none : info.funcs.back().name;
-    info.funcs.push_back(reader.Function(entry(i), previous));
+    RawFunc& func = info.funcs.emplace_back();
+    const size_t count = info.funcs.size();
+    reader.Function(entry(i), count > 1 ? info.funcs[count - 2].name : none, func);
   }
   info.vars.reserve(counts.variables);
   for (uint32_t i = 0; i < counts.variables; ++i) {
-    info.vars.push_back(reader.Variable(entry(counts.functions + i)));
+    reader.Variable(entry(counts.functions + i), info.vars.emplace_back());
   }
 }
 

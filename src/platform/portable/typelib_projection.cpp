@@ -69,8 +69,11 @@ std::vector<platform::TlbMember> Functions(const RawLibrary& raw, const TypeProj
       }
       functions.reserve(type.funcs.size());
       for (RawFunc& func : type.funcs) {
-        functions.push_back(take ? ProjectFunction(std::move(func), types, false)
-                                 : ProjectFunction(func, types, false));
+        if (take) {
+          ProjectFunction(std::move(func), types, false, functions.emplace_back());
+        } else {
+          ProjectFunction(func, types, false, functions.emplace_back());
+        }
       }
       break;
     default: break;
@@ -94,7 +97,7 @@ TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, RawT
   const bool isEnum = type.kind == TypeKind::kEnum;
   if (isEnum || type.kind == TypeKind::kRecord) {
     out.variables.reserve(type.vars.size());
-    for (RawVar& var : type.vars) out.variables.push_back(ProjectVariable(std::move(var), types, isEnum));
+    for (RawVar& var : type.vars) ProjectVariable(std::move(var), types, isEnum, out.variables.emplace_back());
   }
   return out;
 }

@@ -107,11 +107,14 @@ std::vector<TlbMember> DispatchView(const RawLibrary& raw, const TypeProjection&
   functions.reserve(count);
   functions.insert(functions.end(), kBase.begin(), kBase.end());
   for (const RawTypeInfo* type : chain) {
-    for (const RawFunc& func : type->funcs) functions.push_back(ProjectFunction(func, types, true));
+    for (const RawFunc& func : type->funcs) ProjectFunction(func, types, true, functions.emplace_back());
   }
   for (RawFunc& func : dual.funcs) {
-    functions.push_back(takeOwn ? ProjectFunction(std::move(func), types, true)
-                                : ProjectFunction(func, types, true));
+    if (takeOwn) {
+      ProjectFunction(std::move(func), types, true, functions.emplace_back());
+    } else {
+      ProjectFunction(func, types, true, functions.emplace_back());
+    }
   }
   return functions;
 }

@@ -13,23 +13,22 @@ constexpr uint16_t kParamLcid = 0x4, kParamRetval = 0x8, kParamOptional = 0x10,
                    kParamHasDefault = 0x20;
 
 // Param is const RawParam& (its texts are copied) or RawParam (moved out).
+// Members and parameters are built where they are kept: a large library has
+// tens of thousands, and moving each into place costs as much as filling it.
 template <class Param>
-platform::TlbParam ProjectParam(Param&& param, const TypeProjection& types) {
-  platform::TlbParam out;
+void ProjectParam(Param&& param, const TypeProjection& types, platform::TlbParam& out) {
   out.name = std::forward<Param>(param).name;
   out.optional = (param.flags & kParamOptional) != 0;
   out.hasDefault = (param.flags & kParamHasDefault) != 0;
   if (param.defaultValue) out.defaultValue = *std::forward<Param>(param).defaultValue;
   out.type = types.Project(param.type);
-  return out;
 }
 
 // Func is const RawFunc& (its texts are copied) or RawFunc (moved out).
 template <class Func>
-platform::TlbMember Project(Func&& func, const TypeProjection& types, bool dispatchForm) {
+void Project(Func&& func, const TypeProjection& types, bool dispatchForm, platform::TlbMember& member) {
   using Param = std::conditional_t<std::is_const_v<std::remove_reference_t<Func>>, const RawParam&,
                                    RawParam&&>;
-  platform::TlbMember member;
   member.name = std::forward<Func>(func).name;
   member.memberId = func.memberId;
   member.invokeKind = func.invokeKind;
@@ -46,24 +45,23 @@ platform::TlbMember Project(Func&& func, const TypeProjection& types, bool dispa
   member.params.reserve(count);
   for (size_t i = 0; i < count; ++i) {
     if (dispatchForm && (func.params[i].flags & kParamLcid)) continue;
-    member.params.push_back(ProjectParam(static_cast<Param>(func.params[i]), types));
+    ProjectParam(static_cast<Param>(func.params[i]), types, member.params.emplace_back());
   }
-  return member;
 }
 
 }  // namespace
 
-platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
-                                    bool dispatchForm) {
-  return Project(func, types, dispatchForm);
+void ProjectFunction(const RawFunc& func, const TypeProjection& types, bool dispatchForm,
+                     platform::TlbMember& out) {
+  Project(func, types, dispatchForm, out);
 }
 
-platform::TlbMember ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm) {
-  return Project(std::move(func), types, dispatchForm);
+void ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm,
+                     platform::TlbMember& out) {
+  Project(std::move(func), types, dispatchForm, out);
 }
 
-platform::TlbMember ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum) {
-  platform::TlbMember member;
+void ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum, platform::TlbMember& member) {
   member.name = std::move(var.name);
   member.memberId = var.memberId;
   member.flags = var.flags;
@@ -71,7 +69,6 @@ platform::TlbMember ProjectVariable(RawVar&& var, const TypeProjection& types, b
   member.value = std::move(var.value);
   if (isEnum && member.value) member.value->integer = static_cast<int32_t>(member.value->integer);
   member.type = types.Project(var.type);
-  return member;
 }
 
 void NameByMemberId(std::vector<platform::TlbMember>& functions) {

@@ -10,13 +10,15 @@ namespace sentrune::portable {
 // `dispatchForm`: as a dispatch view shows a vtable function — a trailing
 // [retval] becomes the return type, otherwise an HRESULT return becomes void,
 // and [lcid] parameters disappear. From an rvalue the function's texts are
-// moved out rather than copied: for a function projected only once.
-platform::TlbMember ProjectFunction(const RawFunc& func, const TypeProjection& types,
-                                    bool dispatchForm);
-platform::TlbMember ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm);
+// moved out rather than copied: for a function projected only once. `out` is
+// a new member, filled in place.
+void ProjectFunction(const RawFunc& func, const TypeProjection& types, bool dispatchForm,
+                     platform::TlbMember& out);
+void ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchForm,
+                     platform::TlbMember& out);
 // Enum values are cut to 32 bits (two's complement). The variable's texts are
 // moved out.
-platform::TlbMember ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum);
+void ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum, platform::TlbMember& out);
 
 // Every function takes its name, help string and parameter names from the
 // first function of the list with the same member ID; a parameter beyond that
