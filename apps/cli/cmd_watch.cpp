@@ -16,7 +16,9 @@
 #include "platform/headless/headless_ide.h"
 #include "platform/posix/file_watch_posix.h"
 #include "session.h"
+#include "settings/options_handler.h"
 #include "tracking/activity_tracker.h"
+#include "tracking/jet351.h"
 
 namespace sentrune::cli {
 namespace {
@@ -123,6 +125,25 @@ class Watcher {
   std::map<std::string, platform::ComponentPtr> files_;
 };
 
+// Totals are kept only with TrackTime on and only in an existing database,
+// which otherwise the first build with history would create: a watch that
+// could not keep what it gathers refuses to start.
+bool KeepsTotals(Session& session) {
+  clsJet351* jet = session.connect().tracker()->JetClass();
+  if (!session.options().options().TrackTime || jet == nullptr) {
+    session.Fail("time tracking is off; turn it on with `sentrune options set TrackTime Yes`");
+    return false;
+  }
+  const bool missing = !session.state().files().GetAttributes(jet->CurrentDBName()).ok();
+  if (!missing) return true;
+  if (jet->CreateIfMissing() != 0) {
+    session.Fail("cannot create the tracking database " + jet->CurrentDBName());
+    return false;
+  }
+  session.out << "Created the tracking database " << jet->CurrentDBName() << '\n';
+  return true;
+}
+
 void Watch(Session& session, const std::string& argument) {
   const platform::ProjectPtr project = OpenOneProject(session, argument);
   if (!project) return;
@@ -131,6 +152,7 @@ void Watch(Session& session, const std::string& argument) {
   Watcher watcher(session, project);
   if (!watcher.MapFiles(**watch)) return session.Fail("no component file of " + argument + " can be watched");
   session.connect().tracker()->TrackActivity(project, nullptr);
+  if (!KeepsTotals(session)) return;
   session.out << "Watching " << project->Name() << " (Ctrl-C ends, saving the totals)\n";
 
   StopSignals signals;

@@ -180,6 +180,10 @@ void clsJet351::SaveJob(JetTable& table, const clsTimerJob& job) {
   state_.trace({"'Updated - " + job.Key()});
 }
 
+int32_t clsJet351::CreateIfMissing() {
+  return Trapped("EnsureDatabase", [&] { EnsureDatabase(); });
+}
+
 int32_t clsJet351::AddBuildHistory(const std::string& fileName) {
   return Trapped("AddBuildHistory", [&] {
     EnsureDatabase();

@@ -56,7 +56,9 @@ class clsJet351 {
   clsTimerJob& AddTimerJob(const std::string& key);
 
   // Each creates the file when missing. The results are 0 or the number of
-  // the error that ended the operation.
+  // the error that ended the operation. CreateIfMissing only does that: for
+  // a host that gathers times in a project whose database no build created.
+  int32_t CreateIfMissing();
   int32_t AddBuildHistory(const std::string& fileName);
   std::string GetDBSetting(const std::string& name);
   int32_t SaveDBSetting(const std::string& name, const std::string& value);

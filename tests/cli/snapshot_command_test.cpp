@@ -1,4 +1,4 @@
-// `sentrune snapshot` and `sentrune times` end to end on a temporary project.
+// `sentrune snapshot`, `times` and `watch` end to end on a temporary project.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -34,6 +34,8 @@ struct CommandRun {
     CLI::App app;
     AddSnapshotCommand(app, session);
     AddTimesCommand(app, session);
+    AddWatchCommand(app, session);
+    AddOptionsCommand(app, session);
     args.insert(args.begin(), "sentrune");
     std::vector<const char*> argv;
     for (const auto& arg : args) argv.push_back(arg.c_str());
@@ -64,6 +66,14 @@ TEST(TimesCommand, ShowsTheGridForAProjectWithoutTimes) {
   CommandRun run;
   EXPECT_EQ(run.Run({"times", (run.root / "Widgets" / "Widgets.vbp").string()}), 0) << run.err.str();
   EXPECT_NE(run.out.str().find("Time Tracking - [Widgets]"), std::string::npos) << run.out.str();
+}
+
+TEST(WatchCommand, RefusesToGatherTimesItCouldNotKeep) {
+  CommandRun run;
+  ASSERT_EQ(run.Run({"options", "set", "TrackTime", "No"}), 0) << run.err.str();
+  EXPECT_EQ(run.Run({"watch", (run.root / "Widgets" / "Widgets.vbp").string()}), 2);
+  EXPECT_NE(run.err.str().find("time tracking is off"), std::string::npos) << run.err.str();
+  EXPECT_EQ(run.out.str().find("Watching"), std::string::npos) << run.out.str();
 }
 
 }  // namespace
