@@ -1,7 +1,10 @@
+// The shared file functions: dated backup names, the guarded copy with its
+// deferred batch file, rotation, relative paths and text files.
 #include "files/file_functions.h"
 
 #include <gtest/gtest.h>
 
+#include "files/deferred_copy.h"
 #include "files_world.h"
 
 namespace sentrune {
@@ -15,42 +18,26 @@ namespace mb = platform::mb;
 
 constexpr const char* kComponent = "C:\\Src\\Widgets\\Widgets.dll";
 constexpr const char* kBackup = "C:\\Src\\Widgets\\History\\Widgets-2004.05.06-14.03.09.dll";
+const std::string kBatch = std::string(testing::FakeEnv::kDesktop) + "\\Copy Widgets.bat";
 
-TEST(BackupName, TakesTheComponentsOwnTimeAndTheBackupFolder) {
+// Names in the default backup folder are checked through whole builds.
+TEST(BackupName, TakesTheComponentsOwnTimeAndAFolderNameWithoutBackslash) {
   FilesWorld w;
   w.files().AddFile(kComponent, "new", kBuilt);
   w.env.Time().Set({2011, 1, 2, 3, 4, 5});
-  EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, kComponent, ""), kBackup);
-  EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, kComponent, "D:\\Keep"),
-            "D:\\Keep\\Widgets-2004.05.06-14.03.09.dll");
   w.options.BackupFolderName = "Old";
   EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, kComponent, ""),
             "C:\\Src\\Widgets\\Old\\Widgets-2004.05.06-14.03.09.dll");
   EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, "C:\\Src\\Gone.dll", ""), "");
+  EXPECT_FALSE(lfncFileExists(w.files(), "C:\\Src\\Widgets"));  // a folder is no file
 }
 
-TEST(FileExists, OnlyReadableFilesCount) {
-  FilesWorld w;
-  w.files().AddFile(kComponent, "");
-  EXPECT_TRUE(lfncFileExists(w.files(), kComponent));
-  EXPECT_FALSE(lfncFileExists(w.files(), "C:\\Src\\Widgets"));
-  EXPECT_FALSE(lfncFileExists(w.files(), ""));
-  w.files().FailNext(FsOp::kGetAttributes, kComponent, 70);
-  EXPECT_FALSE(lfncFileExists(w.files(), kComponent));
-}
-
-TEST(GuardedCopy, CreatesEveryMissingFolderUnlessOneCannotBeMade) {
+// A copy into a folder that cannot be made is skipped without a word.
+TEST(GuardedCopy, NothingIsCopiedWhenTheFolderCannotBeMade) {
   FilesWorld w;
   w.files().AddFile(kComponent, "new");
-  const std::string deep = "C:\\Src\\Widgets\\History\\Deep\\W.dll";
-  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, deep, true, false), 0);
-  EXPECT_EQ(w.files().Contents(deep), "new");
-  EXPECT_EQ(w.files().Record().createdFolders,
-            (Strings{"C:\\Src\\Widgets\\History", "C:\\Src\\Widgets\\History\\Deep"}));
-
-  w.files().ClearRecord();
   w.files().FailNext(FsOp::kCreateDirectory, "C:\\Src\\Widgets\\Old", 75);
-  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, "C:\\Src\\Widgets\\Old\\W.dll", true, false), 0);
+  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, "C:\\Src\\Widgets\\Old\\Deep\\W.dll", true, false), 0);
   EXPECT_TRUE(w.files().Record().copies.empty());
   EXPECT_TRUE(w.ui.boxes.empty());
 }
@@ -59,85 +46,75 @@ TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilent) {
   FilesWorld w;
   w.files().AddFile(kComponent, "new");
   w.files().AddFile(kBackup, "old");
+  ASSERT_TRUE(w.files().SetAttributes(kBackup, 33).ok());
   w.ui.QueueAnswer(mb::kCancel);
   EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, false), 2);
   ASSERT_EQ(w.ui.boxes.size(), 1u);
   EXPECT_EQ(w.ui.boxes[0].prompt, std::string("The file ") + kBackup +
                                       " already exists.\r\nPress Ok to Overwrite or Cancel to abort.");
-  EXPECT_EQ(w.ui.boxes[0].style, 49);
-  EXPECT_EQ(w.ui.boxes[0].title, "File Already Exists");
   EXPECT_EQ(w.files().Contents(kBackup), "old");
-
-  // A read-only backup is made writable before it goes.
-  ASSERT_TRUE(w.files().SetAttributes(kBackup, 33).ok());
-  w.files().ClearRecord();
-  w.ui.QueueAnswer(mb::kOk);
-  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, false), 0);
-  EXPECT_EQ(w.files().Record().attributeSets.at(0), (std::pair<std::string, uint32_t>{kBackup, 32}));
-  EXPECT_EQ(w.files().Record().deleted, Strings{kBackup});
-  EXPECT_EQ(w.files().Contents(kBackup), "new");
-
-  w.files().AddFile(kComponent, "newer");
+  // A read-only target is made writable before it goes; silent asks nothing.
   EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, true), 0);
-  EXPECT_EQ(w.ui.boxes.size(), 2u);
-  EXPECT_EQ(w.files().Contents(kBackup), "newer");
+  EXPECT_EQ(w.files().Record().attributeSets.back(), (std::pair<std::string, uint32_t>{kBackup, 32}));
+  EXPECT_EQ(w.files().Contents(kBackup), "new");
+  EXPECT_EQ(w.ui.boxes.size(), 1u);
 }
 
-TEST(GuardedCopy, PermissionDeniedIsDeferredAndNeverCopied) {
+// A target that cannot be deleted is handed to a batch file for later, and
+// nothing is copied now.
+TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFile) {
   FilesWorld w;
-  w.files().AddFile(kComponent, "new");
-  w.files().AddFile(kBackup, "old");
-  w.files().FailNext(FsOp::kDelete, kBackup, 70);
-  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, true), 7);
-  EXPECT_TRUE(w.files().Contents("C:\\Users\\Dev\\Desktop\\Copy Widgets.bat").has_value());
-  EXPECT_EQ(w.files().Contents(kBackup), "old");
+  const std::string source = "C:\\100%\\%PATH%\\Widgets.dll", target = "C:\\Caf\xC3\xA9 1\\Widgets.dll";
+  w.files().AddFile(source, "new");
+  w.files().AddFile(target, "old");
+  w.files().AddFile(kBatch, "an earlier copy\r\n");
+  w.files().FailNext(FsOp::kDelete, target, 70);
+  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, source, target, true, true), 7);
+  EXPECT_EQ(w.files().Contents(target), "old");
+  ASSERT_EQ(w.ui.boxes.size(), 2u);
+  EXPECT_EQ(w.ui.boxes[0].style, 20);
+  // Windows-1252, and no path can expand as a batch variable.
+  EXPECT_EQ(w.files().Contents(kBatch),
+            "@Echo Copying \"C:\\100%%\\%%PATH%%\\Widgets.dll\" to \"C:\\Caf\xE9 1\\Widgets.dll\"\r\n"
+            "@xcopy \"C:\\100%%\\%%PATH%%\\Widgets.dll\" \"C:\\Caf\xE9 1\\Widgets.dll\" /f\r\n@Pause\r\n");
+  EXPECT_EQ(w.ui.boxes[1].prompt, "Sentrune created the following file:\r\n" + kBatch +
+                                      "\r\nDouble click the file above after shutting VB down");
+}
 
-  FilesWorld off;
+TEST(DeferredCopy, NothingIsWrittenWithoutConsentOrDesktop) {
+  FilesWorld off, no, noDesktop;
   off.options.EnableDeferredActions = false;
-  off.files().AddFile(kComponent, "new");
-  off.files().AddFile(kBackup, "old");
-  off.files().FailNext(FsOp::kDelete, kBackup, 70);
-  EXPECT_EQ(lfncCopyFileEX(off.state, off.options, kComponent, kBackup, true, true), 7);
+  no.ui.QueueAnswer(mb::kNo);
+  noDesktop.env.SetSpecialFolder(platform::kFolderDesktop, "");
+  for (FilesWorld* w : {&off, &no, &noDesktop}) {
+    lfncDeferredCopy(w->state, w->options, "C:\\a\\Widgets.dll", "C:\\b\\Widgets.dll");
+    EXPECT_TRUE(w->files().Record().written.empty());
+  }
   EXPECT_TRUE(off.ui.boxes.empty());
-  EXPECT_TRUE(off.files().Record().written.empty());
-  EXPECT_TRUE(off.files().Record().copies.empty());
 }
 
 TEST(Rotation, KeepsTheNewestFilesOfTheExtensionWhateverTheirComponent) {
   FilesWorld w;
   const std::string h = "C:\\Src\\History\\";
-  auto at = [](int seconds) { return rt::AddSeconds(kBuilt, seconds); };
-  w.files().AddFile(h + "A-new.dll", "", at(40));
-  w.files().AddFile(h + "B-same.dll", "", at(20));
-  w.files().AddFile(h + "C-same.dll", "", at(20));
-  w.files().AddFile(h + "D-old.dll", "", at(10));
-  w.files().AddFile(h + "Other-x.dll", "", at(30));
-  w.files().AddFile(h + "E-oldest.ocx", "", at(0));
-  w.files().AddFile(h + "F-hidden.dll", "", at(0));
+  const std::pair<const char*, int> files[] = {{"A-new.dll", 40}, {"B-same.dll", 20},  {"C-same.dll", 20},
+                                               {"D-old.dll", 10}, {"Other-x.dll", 30}, {"E-oldest.ocx", 0},
+                                               {"F-hidden.dll", 0}};
+  for (const auto& [name, seconds] : files) w.files().AddFile(h + name, "", rt::AddSeconds(kBuilt, seconds));
   w.files().AddFolder(h + "G.dll");
   ASSERT_TRUE(w.files().SetAttributes(h + "F-hidden.dll", 34).ok());
   ASSERT_TRUE(w.files().SetAttributes(h + "D-old.dll", 33).ok());
   w.files().ClearRecord();
-
+  // A count of 0 keeps every backup.
   EXPECT_EQ(lfncRotateBackups(w.state, h, "*.dll", 0), 0);
-  EXPECT_EQ(lfncRotateBackups(w.state, h, "*.dll", 5), 0);
   EXPECT_TRUE(w.files().Record().deleted.empty());
-
   // Equal times keep the listed order, so of the two files of one second the
   // one listed second goes.
   EXPECT_EQ(lfncRotateBackups(w.state, h, "*.dll", 3), 0);
   EXPECT_EQ(w.files().Record().deleted, (Strings{h + "C-same.dll", h + "D-old.dll"}));
-  EXPECT_EQ(w.files().Record().attributeSets.size(), 2u);
-  EXPECT_TRUE(w.files().Exists(h + "E-oldest.ocx"));
   EXPECT_TRUE(w.files().Exists(h + "F-hidden.dll"));
-}
 
-TEST(Rotation, AFailedDeleteIsReportedAndReturned) {
-  FilesWorld w;
-  w.files().AddFile("C:\\H\\a.dll", "", kBuilt);
-  w.files().AddFile("C:\\H\\b.dll", "", rt::AddSeconds(kBuilt, -1));
-  w.files().FailNext(FsOp::kDelete, "C:\\H\\b.dll", 70);
-  EXPECT_EQ(lfncRotateBackups(w.state, "C:\\H\\", "*.dll", 1), 70);
+  w.files().FailNext(FsOp::kDelete, h + "B-same.dll", 70);
+  EXPECT_EQ(lfncRotateBackups(w.state, h, "*.dll", 2), 70);
   ASSERT_EQ(w.ui.boxes.size(), 1u);
   EXPECT_EQ(w.ui.boxes[0].title, "modFileFunctions:lfncRotateBackups");
   EXPECT_FALSE(w.state.err.pending());
@@ -146,18 +123,15 @@ TEST(Rotation, AFailedDeleteIsReportedAndReturned) {
 TEST(RelativePath, ProjectFileCountsAsItsFolder) {
   FilesWorld w;
   const std::string project = "C:\\Src\\App\\App.vbp";
-  w.files().AddFile(project, "");
-  w.files().AddFile("C:\\Src\\Lib\\Widget.cls", "");
-  w.files().AddFile("C:\\Src\\App\\Forms\\Main.frm", "");
-  w.files().AddFile("C:\\Windows\\System32\\stdole2.tlb", "");
-  w.files().AddFile("D:\\Shared\\Lib.tlb", "");
+  for (const char* file : {"C:\\Src\\App\\App.vbp", "C:\\Src\\Lib\\Widget.cls", "C:\\Src\\App\\Forms\\Main.frm",
+                           "D:\\Shared\\Lib.tlb"})
+    w.files().AddFile(file, "");
+  // The caller's spelling survives.
   EXPECT_EQ(lfncRelativePath(w.files(), project, "c:\\src\\lib\\widget.cls"), "..\\lib\\widget.cls");
   EXPECT_EQ(lfncRelativePath(w.files(), project, "C:\\Src\\App\\Forms\\Main.frm"), "Forms\\Main.frm");
-  EXPECT_EQ(lfncRelativePath(w.files(), "c:\\src\\app\\app.vbp", "C:\\Windows\\System32\\stdole2.tlb"),
-            "..\\..\\Windows\\System32\\stdole2.tlb");
   // Nothing to relate to: the target stays as written.
-  EXPECT_EQ(lfncRelativePath(w.files(), project, "D:\\Shared\\Lib.tlb"), "D:\\Shared\\Lib.tlb");
-  EXPECT_EQ(lfncRelativePath(w.files(), project, "C:\\Src\\Lib\\Gone.cls"), "C:\\Src\\Lib\\Gone.cls");
+  for (const char* target : {"D:\\Shared\\Lib.tlb", "C:\\Src\\Lib\\Gone.cls"})
+    EXPECT_EQ(lfncRelativePath(w.files(), project, target), target);
   EXPECT_EQ(lfncRelativePath(w.files(), "C:\\Src\\App\\Gone.vbp", "C:\\Src\\Lib\\Widget.cls"),
             "C:\\Src\\Lib\\Widget.cls");
 }
@@ -172,8 +146,6 @@ TEST(WriteTextFile, ReplacesOrAppendsInWindows1252) {
   EXPECT_EQ(w.files().GetAttributes(path).value(), 33u);
   EXPECT_EQ(lfncWriteTextFile(w.state, path, "more", true, false), 0);
   EXPECT_EQ(w.files().Contents(path), "Caf\xE9\r\nmore\r\n");
-  EXPECT_EQ(w.files().GetAttributes(path).value(), 32u);
-
   EXPECT_EQ(lfncWriteTextFile(w.state, "C:\\Nowhere\\x.txt", "x", false, false), 76);
   EXPECT_EQ(w.ui.boxes.size(), 1u);
 }

@@ -8,51 +8,30 @@ namespace sentrune {
 namespace {
 
 using platform::TreeNode;
-using testing::FakeFileSystem;
 
 TEST(XMLOut, IndentsByThreeAndTagsWithTheKeysLastPart) {
   const std::vector<TreeNode> tree{
       {"C:\\Lib.dll", "C:\\Lib.dll",
-       {{"C:\\Lib.dll\\Classes", "Classes",
-         {{"C:\\Lib.dll\\Classes\\My Class", "My Class", {{"C:\\Lib.dll\\Classes\\My Class\\GUID", "GUID: {1}", {}}}},
-          {"C:\\Lib.dll\\Classes\\Empty", "Empty", {}}}}}},
+       {{"C:\\Lib.dll\\My Class", "My Class", {{"C:\\Lib.dll\\My Class\\GUID", "GUID: {1}", {}}}},
+        {"C:\\Lib.dll\\Empty", "Empty", {}}}},
       {"Second", "Second", {}}};
-  EXPECT_EQ(XmlLines(tree), (std::vector<std::string>{"   <Lib.dll>",
-                                                      "      <Classes>",
-                                                      "         <My_Class>",
-                                                      "            <GUID>",
-                                                      "            GUID: {1}",
-                                                      "            </GUID>",
-                                                      "         </My_Class>",
-                                                      "         <Empty>",
-                                                      "         Empty",
-                                                      "         </Empty>",
-                                                      "      </Classes>",
-                                                      "   </Lib.dll>",
-                                                      "   <Second>",
-                                                      "   </Second>"}));
+  EXPECT_EQ(XmlLines(tree), (std::vector<std::string>{"   <Lib.dll>", "      <My_Class>", "         <GUID>",
+                                                      "         GUID: {1}", "         </GUID>", "      </My_Class>",
+                                                      "      <Empty>", "      Empty", "      </Empty>",
+                                                      "   </Lib.dll>", "   <Second>", "   </Second>"}));
 }
 
 TEST(XMLOut, WritesCrLfLinesMasksNonAsciiAndNeverEscapes) {
-  FakeFileSystem fs;
+  testing::FakeFileSystem fs;
   fs.AddFolder("C:\\Out");
-  const std::vector<TreeNode> tree{
-      {"R", "R", {{"R\\A", "a < b & \xC3\x88 \t end", {}}, {"R\\caf\xC3\xA9", "x", {}}}}};
-  ASSERT_TRUE(XMLOut(fs, tree, "C:\\Out\\t.xml").ok());
+  ASSERT_TRUE(XMLOut(fs, {{"R", "R", {{"R\\caf\xC3\xA9", "a < b & \xC3\x88 \t end", {}}}}}, "C:\\Out\\t.xml").ok());
   EXPECT_EQ(fs.Contents("C:\\Out\\t.xml"),
-            "   <R>\r\n      <A>\r\n      a < b & # # end\r\n      </A>\r\n"
-            "      <caf#>\r\n      x\r\n      </caf#>\r\n   </R>\r\n");
-  // Replaces what was there.
-  ASSERT_TRUE(XMLOut(fs, {{"Z", "Z", {}}}, "C:\\Out\\t.xml").ok());
-  EXPECT_EQ(fs.Contents("C:\\Out\\t.xml"), "   <Z>\r\n   </Z>\r\n");
-}
+            "   <R>\r\n      <caf#>\r\n      a < b & # # end\r\n      </caf#>\r\n   </R>\r\n");
 
-TEST(XMLOut, NothingIsWrittenWithoutANameOrWithoutNodes) {
-  FakeFileSystem fs;
-  fs.AddFolder("C:\\Out");
+  // Nothing is written without a name or without nodes.
   EXPECT_TRUE(XMLOut(fs, {}, "C:\\Out\\empty.xml").ok());
   EXPECT_TRUE(XMLOut(fs, {{"R", "R", {}}}, "").ok());
-  EXPECT_TRUE(fs.Record().written.empty());
+  EXPECT_EQ(fs.Record().written.size(), 1u);
   EXPECT_FALSE(XMLOut(fs, {{"R", "R", {}}}, "C:\\Missing\\x.xml").ok());
 }
 

@@ -4,7 +4,6 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,39 +28,38 @@ class Recorder : public platform::VBProjectsEventsSink,
                  public platform::CommandBarEventsSink {
  public:
   std::vector<std::string> heard;
-
-  void ItemAdded(const platform::ProjectPtr& p) override { heard.push_back("ProjectAdded " + p->Name()); }
-  void ItemRemoved(const platform::ProjectPtr& p) override { heard.push_back("ProjectRemoved " + p->Name()); }
-  void ItemRenamed(const platform::ProjectPtr& p, const std::string& old) override {
-    heard.push_back("ProjectRenamed " + old + " -> " + p->Name());
-  }
-  void ItemActivated(const platform::ProjectPtr& p) override { heard.push_back("ProjectActivated " + p->Name()); }
-
-  void ItemAdded(const platform::ComponentPtr& c) override { heard.push_back("Added " + c->Name()); }
-  void ItemRemoved(const platform::ComponentPtr& c) override { heard.push_back("Removed " + c->Name()); }
-  void ItemSelected(const platform::ComponentPtr& c) override { heard.push_back("Selected " + c->Name()); }
-  void ItemActivated(const platform::ComponentPtr& c) override { heard.push_back("Activated " + c->Name()); }
-
-  void AfterAddFile(const platform::ProjectPtr& p, int type, const std::string& file) override {
-    heard.push_back("AfterAddFile " + p->Name() + " " + std::to_string(type) + " " + file);
-  }
-  void AfterRemoveFile(const platform::ProjectPtr& p, int type, const std::string& file) override {
-    heard.push_back("AfterRemoveFile " + p->Name() + " " + std::to_string(type) + " " + file);
-  }
-  void AfterWriteFile(const platform::ProjectPtr& p, int type, const std::string& file, int16_t result) override {
-    heard.push_back("AfterWriteFile " + p->Name() + " " + std::to_string(type) + " " + file + " " +
-                    std::to_string(result));
-  }
-  void RequestWriteFile(const platform::ProjectPtr& p, const std::string& file, bool& cancel) override {
-    heard.push_back("RequestWriteFile " + p->Name() + " " + file);
-    cancel = cancelWrites;
-  }
   bool cancelWrites = false;
 
+  void ItemAdded(const platform::ProjectPtr& p) override { Heard("ProjectAdded " + p->Name()); }
+  void ItemRemoved(const platform::ProjectPtr& p) override { Heard("ProjectRemoved " + p->Name()); }
+  void ItemRenamed(const platform::ProjectPtr& p, const std::string& old) override {
+    Heard("ProjectRenamed " + old + " -> " + p->Name());
+  }
+  void ItemActivated(const platform::ProjectPtr& p) override { Heard("ProjectActivated " + p->Name()); }
+  void ItemAdded(const platform::ComponentPtr& c) override { Heard("Added " + c->Name()); }
+  void ItemRemoved(const platform::ComponentPtr& c) override { Heard("Removed " + c->Name()); }
+  void ItemSelected(const platform::ComponentPtr& c) override { Heard("Selected " + c->Name()); }
+  void ItemActivated(const platform::ComponentPtr& c) override { Heard("Activated " + c->Name()); }
+  void AfterAddFile(const platform::ProjectPtr& p, int type, const std::string& file) override {
+    Heard("AfterAddFile " + p->Name() + " " + std::to_string(type) + " " + file);
+  }
+  void AfterRemoveFile(const platform::ProjectPtr& p, int type, const std::string& file) override {
+    Heard("AfterRemoveFile " + p->Name() + " " + std::to_string(type) + " " + file);
+  }
+  void AfterWriteFile(const platform::ProjectPtr& p, int type, const std::string& file, int16_t result) override {
+    Heard("AfterWriteFile " + p->Name() + " " + std::to_string(type) + " " + file + " " + std::to_string(result));
+  }
+  void RequestWriteFile(const platform::ProjectPtr& p, const std::string& file, bool& cancel) override {
+    Heard("RequestWriteFile " + p->Name() + " " + file);
+    cancel = cancelWrites;
+  }
   void Click(const platform::ControlPtr& control, bool& handled, bool&) override {
-    heard.push_back("Click " + control->Caption());
+    Heard("Click " + control->Caption());
     handled = true;
   }
+
+ private:
+  void Heard(std::string line) { heard.push_back(std::move(line)); }
 };
 
 }  // namespace sentrune::headless::test

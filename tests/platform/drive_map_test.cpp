@@ -13,55 +13,35 @@ using test::TempFolder;
 
 // A prefix laid out as Wine lays it out: relative and absolute links, the
 // raw-device and port entries that must not become drives, a broken link.
-class WinePrefix : public ::testing::Test {
- protected:
-  void SetUp() override {
-    prefix_.MakeFolder("drive_c/windows/system32");
-    prefix_.MakeFolder("dosdevices");
-    data_.MakeFolder("Projects");
-    Link("../drive_c", "c:");
-    Link("/", "z:");
-    Link(data_.path(), "D:");
-    Link("/dev/null", "c::");
-    Link("/dev/ttyS0", "com1");
-    Link(prefix_ / "missing", "e:");
-  }
-  void Link(const std::string& target, const std::string& name) {
-    ASSERT_EQ(symlink(target.c_str(), (prefix_ / ("dosdevices/" + name)).c_str()), 0);
-  }
-
-  TempFolder prefix_;
-  TempFolder data_;
-};
-
-TEST_F(WinePrefix, DosdevicesLinksBecomeDrivesAndExplicitEntriesOverride) {
-  const DriveMap map = DriveMap::Build(prefix_.path(), {});
-  EXPECT_EQ(map.DriveFolder('c'), std::filesystem::canonical(prefix_ / "drive_c").string());
-  EXPECT_EQ(map.DriveFolder('D'), std::filesystem::canonical(data_.path()).string());
+TEST(DriveMap, DosdevicesLinksBecomeDrivesAndHostPathsGoToTheMostSpecificDrive) {
+  TempFolder prefix, data;
+  prefix.MakeFolder("drive_c/windows/system32");
+  prefix.MakeFolder("dosdevices");
+  data.MakeFolder("Projects");
+  const std::pair<std::string, const char*> links[] = {
+      {"../drive_c", "c:"}, {"/", "z:"}, {data.path(), "D:"}, {"/dev/null", "c::"}, {"/dev/ttyS0", "com1"},
+      {prefix / "missing", "e:"}};
+  for (const auto& [target, name] : links)
+    ASSERT_EQ(symlink(target.c_str(), (prefix / "dosdevices/" + name).c_str()), 0) << name;
+  const DriveMap map = DriveMap::Build(prefix.path(), {});
+  EXPECT_EQ(map.DriveFolder('c'), std::filesystem::canonical(prefix / "drive_c").string());
   EXPECT_EQ(map.DriveFolder('Z'), "/");
   EXPECT_FALSE(map.DriveFolder('E'));  // broken link
-  EXPECT_FALSE(map.DriveFolder('Q'));
 
-  const DriveMap overridden = DriveMap::Build(prefix_.path(), {{'d', prefix_.path()}, {'Q', data_ / "Projects"}});
-  EXPECT_EQ(overridden.DriveFolder('D'), std::filesystem::canonical(prefix_.path()).string());
-  EXPECT_EQ(overridden.DriveFolder('q'), std::filesystem::canonical(data_ / "Projects").string());
-}
-
-TEST_F(WinePrefix, HostPathsGoToTheMostSpecificDrive) {
-  const DriveMap map = DriveMap::Build(prefix_.path(), {{'P', data_ / "Projects"}});
-  EXPECT_EQ(map.HostToWindows(prefix_ / "drive_c/windows/system32"), "C:\\windows\\system32");
-  EXPECT_EQ(map.HostToWindows(data_ / "Projects/Widgets/Widgets.vbp"), "P:\\Widgets\\Widgets.vbp");
-  EXPECT_EQ(map.HostToWindows(data_ / "other.txt"), "D:\\other.txt");
-  EXPECT_EQ(map.HostToWindows(data_.path() + "/"), "D:\\");
-  EXPECT_EQ(map.HostToWindows("/"), "Z:\\");
+  // Explicit entries override the prefix's.
+  const DriveMap over = DriveMap::Build(prefix.path(), {{'d', prefix.path()}});
+  EXPECT_EQ(over.DriveFolder('D'), std::filesystem::canonical(prefix.path()).string());
+  EXPECT_EQ(over.HostToWindows(prefix / "drive_c/windows/system32"), "C:\\windows\\system32");
+  const DriveMap both = DriveMap::Build(prefix.path(), {{'P', data / "Projects"}});
+  EXPECT_EQ(both.HostToWindows(data / "Projects/Widgets/Widgets.vbp"), "P:\\Widgets\\Widgets.vbp");
+  EXPECT_EQ(both.HostToWindows(data.path() + "/"), "D:\\");
+  EXPECT_EQ(both.HostToWindows("/"), "Z:\\");
   // A link to a drive's folder is seen through; the file name is kept.
-  ASSERT_EQ(symlink((data_ / "Projects").c_str(), (prefix_ / "shortcut").c_str()), 0);
-  EXPECT_EQ(map.HostToWindows(prefix_ / "shortcut/./New File.txt"), "P:\\New File.txt");
+  ASSERT_EQ(symlink((data / "Projects").c_str(), (prefix / "shortcut").c_str()), 0);
+  EXPECT_EQ(both.HostToWindows(prefix / "shortcut/./New File.txt"), "P:\\New File.txt");
   // Only whole components match: "/ProjectsX" is not inside "/Projects".
-  EXPECT_EQ(map.HostToWindows(data_ / "ProjectsX"), "D:\\ProjectsX");
-
-  const DriveMap noRoot = DriveMap::Build("", {{'Z', data_.path()}});
-  EXPECT_FALSE(noRoot.HostToWindows(prefix_.path()));
+  EXPECT_EQ(both.HostToWindows(data / "ProjectsX"), "D:\\ProjectsX");
+  EXPECT_FALSE(DriveMap::Build("", {{'Z', data.path()}}).HostToWindows(prefix.path()));
 }
 
 TEST(DriveMap, SplitNamesTheDriveFolderOrFailsLikeTheRunTime) {
@@ -71,7 +51,6 @@ TEST(DriveMap, SplitNamesTheDriveFolderOrFailsLikeTheRunTime) {
   EXPECT_EQ(split->windowsRoot, "T:");
   EXPECT_EQ(split->hostRoot, "/srv/data");
   EXPECT_EQ(split->parts, (std::vector<std::string>{"Src", "Widgets.dll"}));
-
   EXPECT_EQ(map.Split("\\\\server\\share\\x").error().number, 76);
   EXPECT_EQ(map.Split("Q:\\x").error().number, 71);
   EXPECT_EQ(map.Split("Src\\x").error().number, 52);

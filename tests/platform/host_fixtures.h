@@ -8,7 +8,6 @@
 #include <fstream>
 #include <optional>
 #include <string>
-#include <system_error>
 
 namespace sentrune::posix::test {
 
@@ -27,16 +26,12 @@ class TempFolder {
 
   const std::string& path() const { return path_; }
   std::string operator/(const std::string& relative) const { return path_ + "/" + relative; }
-
-  // Creates the file (and its folders) below the temporary folder.
+  // Creates the file or folder, and the folders above it.
   void Write(const std::string& relative, const std::string& bytes = "x") const {
-    const std::filesystem::path file = std::filesystem::path(path_) / relative;
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
+    MakeFolder(std::filesystem::path(relative).parent_path().string());
+    std::ofstream(*this / relative, std::ios::binary) << bytes;
   }
-  void MakeFolder(const std::string& relative) const {
-    std::filesystem::create_directories(std::filesystem::path(path_) / relative);
-  }
+  void MakeFolder(const std::string& relative) const { std::filesystem::create_directories(*this / relative); }
 
  private:
   std::string path_;

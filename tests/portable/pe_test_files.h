@@ -1,12 +1,12 @@
 #pragma once
-// Test inputs for the PE, version and type library source tests: the real
-// PE files Debian's Wine packages install (found at test time; tests skip when
+// Test inputs for the readers of PE files and type libraries: the real PE
+// files Debian's Wine packages install (found at test time; tests skip when
 // they are absent) and a small in-memory file system to serve bytes from.
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,10 +23,6 @@ std::vector<std::filesystem::path> WineFiles(std::string_view arch, std::string_
 std::optional<std::filesystem::path> WineFile(std::string_view arch, std::string_view name);
 
 std::vector<uint8_t> ReadHostFile(const std::filesystem::path& path);
-
-inline std::span<const uint8_t> AsBytes(const std::string& text) {
-  return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
 
 // Files and folders by exact Windows path. Only what the readers use is
 // served: attributes and contents; every other operation fails with 75.

@@ -1,8 +1,13 @@
+// Following the IDE's active component, and showing the totals.
 #include "tracking/activity_tracker.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
+#include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
+#include "tracking/frm_timer_jobs.h"
 #include "tracking_world.h"
 
 namespace sentrune::tracking_test {
@@ -13,26 +18,29 @@ using Rows = std::vector<std::vector<std::string>>;
 class Tracking : public ::testing::Test {
  protected:
   static constexpr const char* kGridDb = "C:\\Work\\Grid.stn";
-  static constexpr const char* kShapesDb = "C:\\Work\\Shapes.stn";
 
   void SetUp() override {
     options.TrackTime = true;
-    for (const char* file : {"C:\\Work\\Grid.vbp", "C:\\Work\\Shapes.vbp"}) addin.files().AddFile(file, "Type=OleDll");
-    for (const char* db : {kGridDb, kShapesDb}) {
-      clsJet351 creator(addin.state);
-      creator.SetCurrentDBName(db);
-      ASSERT_EQ(creator.SaveDBSetting("CompatBase", ""), 0);
+    grid = Open("Grid", {"Form1", "Class1"});
+    form1 = grid->VBComponents()[0];
+    class1 = grid->VBComponents()[1];
+  }
+  // Writes C:\Work\<name>.vbp with these classes and its database, and opens it.
+  platform::ProjectPtr Open(const std::string& name, const std::vector<std::string>& classes) {
+    std::string lines = "Type=OleDll\r\n";
+    for (const std::string& c : classes) {
+      lines += "Class=" + c + "; " + c + ".cls\r\n";
+      addin.files().AddFile("C:\\Work\\" + c + ".cls", "Attribute VB_Name = \"" + c + "\"\r\n");
     }
-    grid = ide.Open("Grid", "C:\\Work\\Grid.vbp");
-    form1 = grid->Add("Form1");
-    class1 = grid->Add("Class1");
+    addin.files().AddFile("C:\\Work\\" + name + ".vbp", lines + "Name=\"" + name + "\"\r\n");
+    clsJet351 creator(addin.state);
+    creator.SetCurrentDBName("C:\\Work\\" + name + ".stn");
+    EXPECT_EQ(creator.SaveDBSetting("CompatBase", ""), 0);
+    auto opened = ide.Open("C:\\Work\\" + name + ".vbp");
+    return opened.ok() ? opened->projects.at(0) : nullptr;
   }
   Rows TimeLog(const char* db) {
     return Query(*addin.files().Contents(db), "SELECT ProjCompID, ElapsedSeconds FROM TimeLog");
-  }
-  long Traced(const std::string& line) {
-    const std::vector<std::string> lines = addin.TraceLines();
-    return std::count(lines.begin(), lines.end(), line);
   }
   // Position of the first trace line after `from` that equals `line`.
   size_t TracedAt(const std::string& line, size_t from = 0) {
@@ -44,10 +52,10 @@ class Tracking : public ::testing::Test {
 
   testing::TestAddin addin;
   OptionSet options;
-  FakeVbe ide;
+  headless::HeadlessIde ide{addin.files()};
   ActivityTracker tracker{addin.state, options, ide};
-  std::shared_ptr<FakeProject> grid;
-  std::shared_ptr<FakeComponent> form1, class1;
+  platform::ProjectPtr grid;
+  platform::ComponentPtr form1, class1;
 };
 
 TEST_F(Tracking, TotalsFollowTheActiveComponentAndAreSavedOnAProjectChange) {
@@ -55,29 +63,24 @@ TEST_F(Tracking, TotalsFollowTheActiveComponentAndAreSavedOnAProjectChange) {
   Advance(60);
   tracker.TrackActivity(grid, class1);
   Advance(20);
-  ASSERT_NE(tracker.JetClass(), nullptr);
-  EXPECT_EQ(tracker.JetClass()->CurrentDBName(), kGridDb);
-
-  const std::shared_ptr<FakeProject> shapes = ide.Open("Shapes", "C:\\Work\\Shapes.vbp");
-  const std::shared_ptr<FakeComponent> circle = shapes->Add("Circle");
+  const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
+  const platform::ComponentPtr circle = shapes->VBComponents()[0];
   tracker.TrackActivity(shapes, circle);
   EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "60"}, {"Class1", "20"}}));
-  EXPECT_EQ(tracker.JetClass()->CurrentDBName(), kShapesDb);
-  EXPECT_EQ(tracker.ActiveIDEProject(), shapes);
+  EXPECT_EQ(tracker.JetClass()->CurrentDBName(), "C:\\Work\\Shapes.stn");
   EXPECT_EQ(tracker.ActiveIDEComponent(), circle);
-
-  EXPECT_EQ(Traced("'Resetting ActiveIDEComponent. Was: Nothing, Is: Form1"), 1);
-  EXPECT_EQ(Traced("'Resetting ActiveIDEComponent. Was: Form1, Is: Class1"), 1);
-  EXPECT_EQ(Traced("'Setting mobjJetClass.ComponentName = Circle"), 1);
-  EXPECT_EQ(Traced("'Resetting ActiveIDEProject"), 2);
-  // ProjectManager first for usable objects, framed by 60 "*".
-  EXPECT_EQ(TracedAt("'ProjectManager") - 1, TracedAt(std::string(60, '*')));
   EXPECT_LT(TracedAt("'ProjectManager"), TracedAt("'ComponentManager"));
 
-  // Back in the project that is already active, nothing is reloaded.
+  // The same component again is not stopped and started; no component
+  // leaves the jobs alone.
+  const rt::DateTime started = tracker.JetClass()->TimerJobs().at(0).StartTime();
+  Advance(10);
   tracker.TrackActivity(shapes, circle);
-  EXPECT_EQ(Traced("'Resetting ActiveIDEProject"), 2);
-  EXPECT_EQ(Traced("'modTimerFunctions:ProjectManager - JetClass.CurrentDBObject Was Nothing"), 0);
+  tracker.TrackActivity(shapes, nullptr);
+  EXPECT_EQ(tracker.ActiveIDEComponent(), nullptr);
+  EXPECT_TRUE(tracker.JetClass()->TimerJobs().at(0).Running());
+  EXPECT_EQ(tracker.JetClass()->TimerJobs().at(0).StartTime(), started);
+  EXPECT_EQ(tracker.JetClass()->TimerJobs().at(0).ElapsedSeconds(), 10);
 }
 
 TEST_F(Tracking, WithTrackTimeOffComponentsAreFollowedButNotTimed) {
@@ -86,44 +89,20 @@ TEST_F(Tracking, WithTrackTimeOffComponentsAreFollowedButNotTimed) {
   options.TrackTime = false;
   tracker.TrackActivity(grid, class1);
   EXPECT_EQ(tracker.ActiveIDEComponent(), class1);
-  EXPECT_EQ(Traced("'Resetting ActiveIDEComponent. Was: Form1, Is: Class1"), 1);
-  EXPECT_EQ(tracker.JetClass()->TimerJobs().size(), 1u);  // no job for Class1
+  EXPECT_EQ(tracker.JetClass()->TimerJobs().size(), 1u);
 
   // Jobs loaded while tracking was on are still saved; none are loaded now.
-  const std::shared_ptr<FakeProject> shapes = ide.Open("Shapes", "C:\\Work\\Shapes.vbp");
-  tracker.TrackActivity(shapes, shapes->Add("Circle"));
+  const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
+  tracker.TrackActivity(shapes, shapes->VBComponents()[0]);
   EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "30"}}));
   EXPECT_EQ(tracker.JetClass(), nullptr);
-  EXPECT_EQ(Traced("'LoadTimerJobs - Shapes.stn"), 0);
 }
 
-TEST_F(Tracking, TheSameComponentAgainAndANamelessOneStartNothing) {
-  tracker.TrackActivity(grid, form1);
-  const rt::DateTime started = tracker.JetClass()->TimerJobs().at(0).StartTime();
-  Advance(10);
-  tracker.TrackActivity(grid, form1);
-  const clsTimerJob& job = tracker.JetClass()->TimerJobs().at(0);
-  EXPECT_TRUE(job.Running());
-  EXPECT_EQ(job.ElapsedSeconds(), 10);
-  EXPECT_EQ(job.StartTime(), started);  // not stopped and started again
-  EXPECT_EQ(Traced("'Setting mobjJetClass.ComponentName = Form1"), 1);
-
-  tracker.TrackActivity(grid, grid->Add(""));
-  EXPECT_EQ(tracker.JetClass()->TimerJobs().size(), 1u);
-  EXPECT_FALSE(tracker.JetClass()->TimerJobs().at(0).Running());
-  EXPECT_EQ(Traced("'Setting mobjJetClass.ComponentName = "), 1);
-
-  // No component at all leaves the jobs as they are.
-  tracker.JetClass()->ComponentName("Form1");
-  tracker.TrackActivity(grid, nullptr);
-  EXPECT_EQ(tracker.ActiveIDEComponent(), nullptr);
-  EXPECT_TRUE(tracker.JetClass()->TimerJobs().at(0).Running());
-}
-
+// The component must be let go before the closed project's totals are saved.
 TEST_F(Tracking, StaleObjectsOfAClosedProjectLetGoOfTheComponentFirst) {
   tracker.TrackActivity(grid, form1);
   Advance(45);
-  ide.Close(grid);
+  ASSERT_TRUE(ide.Close(grid).ok());
   const size_t before = addin.TraceLines().size();
   tracker.TrackActivity(grid, form1);
   EXPECT_LT(TracedAt("'ComponentManager", before), TracedAt("'ProjectManager", before));
@@ -133,26 +112,20 @@ TEST_F(Tracking, StaleObjectsOfAClosedProjectLetGoOfTheComponentFirst) {
   EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "45"}}));
 
   // Only one of them stale: the usual order.
-  const std::shared_ptr<FakeProject> shapes = ide.Open("Shapes", "C:\\Work\\Shapes.vbp");
+  const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
   const size_t later = addin.TraceLines().size();
   tracker.TrackActivity(shapes, form1);
   EXPECT_LT(TracedAt("'ProjectManager", later), TracedAt("'ComponentManager", later));
   EXPECT_EQ(tracker.ActiveIDEProject(), shapes);
-  EXPECT_EQ(tracker.ActiveIDEComponent(), nullptr);
 }
 
 TEST_F(Tracking, TheDatabaseNameFollowsOnlyProjectsSavedOnDisk) {
-  const long lets = Traced("'clsJet351:Property Let CurrentDBName");
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), kGridDb);
-  tracker.GetJetClass();
-  EXPECT_EQ(Traced("'clsJet351:Property Let CurrentDBName"), lets + 1);
-
-  ide.Open("Project1", "");  // never saved
+  Open("Moved", {});
+  ASSERT_TRUE(addin.files().DeleteFile("C:\\Work\\Moved.vbp").ok());
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), kGridDb);
-  ide.Open("Moved", "C:\\Work\\Moved.vbp");  // its file is gone
-  EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), kGridDb);
-  addin.files().AddFile("C:\\Work.v2\\Legacy", "Type=Exe");
-  ide.Open("Legacy", "C:\\Work.v2\\Legacy");
+  addin.files().AddFile("C:\\Work.v2\\Legacy", "Type=Exe\r\n");
+  ASSERT_TRUE(ide.Open("C:\\Work.v2\\Legacy").ok());
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), "C:\\Work.stn");
 }
 
@@ -164,15 +137,43 @@ TEST_F(Tracking, ShowTimerJobsSavesFirstAndListsTheTotals) {
   Advance(5);
   tracker.ShowTimerJobs(handler);
   EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "3723"}, {"Class1", "5"}}));
-
   ASSERT_EQ(addin.ui.forms.size(), 1u);
-  const platform::FormView& view = addin.ui.forms[0];
-  EXPECT_EQ(view.kind, platform::FormView::Kind::kGrid);
-  EXPECT_EQ(view.caption, "Time Tracking - [Grid]");
-  EXPECT_EQ(view.headers, (std::vector<std::string>{"Item", "Component", "Elapsed Time"}));
-  ASSERT_EQ(view.rows.size(), 2u);
-  EXPECT_EQ(view.rows[0].cells, (std::vector<std::string>{"1", "Form1", "0001:02:03"}));
-  EXPECT_EQ(view.rows[1].cells, (std::vector<std::string>{"2", "Class1", "0000:00:05"}));
+  EXPECT_EQ(addin.ui.forms[0].caption, "Time Tracking - [Grid]");
+  ASSERT_EQ(addin.ui.forms[0].rows.size(), 2u);
+  EXPECT_EQ(addin.ui.forms[0].rows[0].cells, (std::vector<std::string>{"1", "Form1", "0001:02:03"}));
+}
+
+TEST(FormatElapsed, PadsHoursToFourDigitsAndNeverCutsThem) {
+  const std::pair<int32_t, const char*> cases[] = {
+      {0, "0000:00:00"}, {3723, "0001:02:03"}, {10000 * 3600, "10000:00:00"},
+      {std::numeric_limits<int32_t>::max(), "596523:14:07"}, {-61, "-0000:01:01"},
+      {std::numeric_limits<int32_t>::min(), "-596523:14:08"}};
+  for (const auto& [seconds, text] : cases) EXPECT_EQ(frmTimerJobs::FormatElapsed(seconds), text) << seconds;
+}
+
+// Showing the list for a project that has no database must not create one;
+// a stored column width of -1 falls back to the designed width.
+TEST(TimerJobsForm, NoDatabaseShowsColumnsOnlyAndSizesAreRemembered) {
+  testing::TestAddin addin;
+  OptionsHandler options(addin.state);
+  options.SaveOption("TimedJobs_Height", "4200");
+  options.SaveOption("TimedJobs_ColWidth2", "120");
+  options.SaveOption("TimedJobs_ColWidth3", "-1");
+  clsJet351 jet(addin.state);
+  jet.SetCurrentDBName("C:\\Work\\Unsaved.stn");
+  frmTimerJobs form(addin.state, options);
+  form.SetTheJetClass(&jet);
+  form.Show();
+  ASSERT_EQ(addin.ui.forms.size(), 1u);
+  EXPECT_EQ(addin.ui.forms[0].caption, "Time Tracking - [Unsaved]");
+  EXPECT_TRUE(addin.ui.forms[0].rows.empty());
+  EXPECT_FALSE(addin.files().Exists("C:\\Work\\Unsaved.stn"));
+  EXPECT_TRUE(addin.ui.boxes.empty());
+
+  EXPECT_EQ(form.height, 4200);
+  EXPECT_EQ(form.colWidths, (std::array<int32_t, 3>{35, 120, 78}));
+  EXPECT_EQ(options.GetOption("TimedJobs_Width"), "-1");
+  EXPECT_EQ(options.GetOption("TimedJobs_ColWidth3"), "78");
 }
 
 }  // namespace

@@ -17,8 +17,7 @@ namespace fs = std::filesystem;
 
 struct CommandRun {
   int code = 0;
-  std::string out;
-  std::string err;
+  std::string out, err;
 };
 
 class TypelibCommands : public ::testing::Test {
@@ -48,47 +47,37 @@ class TypelibCommands : public ::testing::Test {
 };
 
 TEST_F(TypelibCommands, CompareReportsDifferencesLevelAndExitStatus) {
-  const CommandRun removed = Sentrune({"compare", FixturePath("widgets_member_removed.tlb"), FixturePath("widgets.tlb")});
+  const std::string base = FixturePath("widgets.tlb");
+  const CommandRun removed = Sentrune({"compare", FixturePath("widgets_member_removed.tlb"), base});
   EXPECT_EQ(removed.code, 1);
   EXPECT_TRUE(removed.out.starts_with("1 Differences Found.\n--> Widgets ["));
   EXPECT_TRUE(removed.out.ends_with("Compatibility: incompatible\n"));
-
-  const CommandRun added = Sentrune({"compare", FixturePath("widgets_member_added.tlb"), FixturePath("widgets.tlb"),
-                              "--fail-on", "incompatible", "--json"});
+  const CommandRun added =
+      Sentrune({"compare", FixturePath("widgets_member_added.tlb"), base, "--fail-on", "incompatible", "--json"});
   EXPECT_EQ(added.code, 0);
   EXPECT_EQ(added.out.substr(0, 40), "{\n  \"count\": 1,\n  \"level\": \"compatible\",");
 
   // A fresh store ignores minor differences; the flag and details override it.
   const std::string version = FixturePath("widgets_version.tlb");
-  EXPECT_EQ(Sentrune({"compare", version, FixturePath("widgets.tlb")}).code, 0);
-  const CommandRun minor = Sentrune({"compare", version, FixturePath("widgets.tlb"), "--no-ignore-minor", "--details"});
+  EXPECT_EQ(Sentrune({"compare", version, base}).code, 0);
+  const CommandRun minor = Sentrune({"compare", version, base, "--no-ignore-minor", "--details"});
   EXPECT_EQ(minor.code, 1);
   EXPECT_EQ(minor.out,
             "1 Differences Found.\n--> TLB Version String Doesn't Match\nTLB Version String (A) = 1.1\n"
             "TLB Version String (B) = 1.0\nCompatibility: compatible\n");
-
-  const CommandRun unreadable = Sentrune({"compare", FixturePath("widgets.idl"), FixturePath("widgets.tlb")});
+  const CommandRun unreadable = Sentrune({"compare", FixturePath("widgets.idl"), base});
   EXPECT_EQ(unreadable.code, 2);
   EXPECT_EQ(unreadable.err, "sentrune: The file doesn't contain a valid TypeLib.\nSelect another file.\n");
-  EXPECT_EQ(unreadable.out, "");
 }
 
 TEST_F(TypelibCommands, InspectPrintsTheTreeJsonAndWritesXml) {
   fs::copy_file(FixturePath("widgets.tlb"), home_ / "w.tlb");
   const std::string file = (home_ / "w.tlb").string();
-  const CommandRun tree = Sentrune({"inspect", file});
-  EXPECT_EQ(tree.code, 0);
-  EXPECT_NE(tree.out.find("\n  Library: Widgets\n"), std::string::npos);
-  EXPECT_NE(tree.out.find("\n      Properties\n        Get Caption() As String 'The text shown on the widget\n"),
+  EXPECT_NE(Sentrune({"inspect", file}).out.find("\n      Properties\n        Get Caption() As String 'The text shown"),
             std::string::npos);
-
   EXPECT_TRUE(Sentrune({"inspect", file, "--json"}).out.starts_with("{\n  \"Library\": \"Widgets\","));
-
-  const CommandRun xml = Sentrune({"inspect", file, "--xml"});
-  EXPECT_EQ(xml.code, 0);
-  EXPECT_EQ(xml.out, file + ".xml\n");
+  EXPECT_EQ(Sentrune({"inspect", file, "--xml"}).out, file + ".xml\n");
   EXPECT_TRUE(ReadHostFile(file + ".xml").starts_with("   <w.tlb>\r\n      <Library>\r\n"));
-
   EXPECT_EQ(Sentrune({"inspect", (home_ / "none.dll").string()}).code, 2);
 }
 

@@ -7,12 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/addin_state.h"
-#include "platform/portable/ini_file.h"
-#include "platform/portable/typelib_source_portable.h"
-#include "platform/portable/version_resources_portable.h"
-#include "support/fake_env.h"
-#include "support/fake_ui.h"
+#include "support/test_addin.h"
 #include "typelib/parse_tlb.h"
 
 namespace sentrune::testing {
@@ -28,22 +23,14 @@ inline std::string ReadHostFile(const std::string& path) {
   return bytes.str();
 }
 
-class FixtureWorld {
- public:
-  FakeEnv env;
-  FakeUi ui;
-  portable::PortableProfileFiles profiles{env.Files()};
-  portable::PortableVersionResources versions{env.Files()};
-  portable::PortableTypeLibSource typelibs{env.Files()};
-  AddinState state{Platform{env, ui, profiles, versions, typelibs}};
-
+struct FixtureWorld : TestAddin {
   // Copies the fixture in (once) and returns its Windows path.
   std::string Fixture(const std::string& name) { return AddHostFile(FixturePath(name), name); }
 
   // Copies a host file in as "C:\F\<name>" (once) and returns that path.
   std::string AddHostFile(const std::string& hostPath, const std::string& name) {
     const std::string path = "C:\\F\\" + name;
-    if (!env.Files().Exists(path)) env.Files().AddFile(path, ReadHostFile(hostPath));
+    if (!files().Exists(path)) files().AddFile(path, ReadHostFile(hostPath));
     return path;
   }
 

@@ -70,23 +70,22 @@ TEST(Fixtures, EachVariantGivesItsDifferencesAndLevel) {
   }
 }
 
+// A component file compiled by widl: its version resource is read, and
+// hidden or restricted members stay out of the VB-style declarations.
 TEST(Fixtures, ComponentFileCarriesItsVersionAndRendersVbStyleDeclarations) {
   FixtureWorld world;
   const clsParseTLB dll = world.Load("widgets.dll");
   EXPECT_NE(dll.FileVersionString(), "0.0.0.0");
   EXPECT_EQ(world.Load("widgets.tlb").FileVersionString(), "0.0.0.0");
+  EXPECT_EQ(dll.Classes().size(), 2u);  // Widget and Part; their interfaces are folded in
   const clsClass* widget = dll.Classes().Find("Widget");
   ASSERT_NE(widget, nullptr);
-  for (const char* key : {"Set Font(ByVal  As Font)", "Let Item(ByVal Index As Variant, RHS As Variant)",
-                          "Let Caption(RHS  As String)"})
-    EXPECT_TRUE(widget->Properties.Contains(key)) << key;
-  for (const char* key : {"Function Format$(ByVal Value As Variant) As String", "Function GetNames()() As String",
-                          "Sub SetNames(Names() As String)", "Function Lookup(ByVal Key As String) As Long"})
+  EXPECT_TRUE(widget->Properties.Contains("Let Item(ByVal Index As Variant, RHS As Variant)"));
+  for (const char* key : {"Function Format$(ByVal Value As Variant) As String", "Sub SetNames(Names() As String)"})
     EXPECT_TRUE(widget->Methods.Contains(key)) << key;
   EXPECT_FALSE(widget->Methods.Contains("Sub Refresh()"));
   EXPECT_FALSE(widget->Methods.Contains("Sub Internal()"));
   EXPECT_TRUE(widget->Events.Contains("Closing(Cancel As Boolean)"));
-  EXPECT_EQ(dll.Classes().size(), 2u);  // Widget and Part; their interfaces are folded in
 }
 
 }  // namespace

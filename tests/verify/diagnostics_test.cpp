@@ -1,6 +1,16 @@
+// The install details form (comparisons and the verification log), the
+// diagnostics run from the form and the command line, and seeding the
+// add-in folder with the shipped templates.
+#include <CLI/CLI.hpp>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <sstream>
+
+#include "commands.h"
 #include "seed_templates.h"
+#include "session.h"
 #include "verify/c_verify_installation.h"
 #include "verify/frm_install_details.h"
 #include "verify/verify_world.h"
@@ -8,7 +18,32 @@
 namespace sentrune::testing {
 namespace {
 
-TEST(Diagnostics, LogsEveryComponentWithTheFailuresMessageAndShowsNoBox) {
+TEST(CompareComps, CountsDifferencesIgnoringMinorOnesWithDetailsAndKeepsTheTextOnErrors) {
+  TypelibWorld world;
+  platform::TlbLibrary model = WidgetsLibrary();
+  model.minorVersion = 3;
+  model.guid = "{99999999-0000-0000-0000-000000000001}";
+  world.AddComponent("C:\\Build\\Widgets.dll", WidgetsLibrary());
+  world.AddComponent("C:\\Model\\Widgets.dll", model);
+  frmInstallDetails form(world.state);
+  form.AppendText("stale");
+  EXPECT_EQ(form.CompareComps("C:\\Build\\Widgets.dll", "C:\\Model\\Widgets.dll"), 1);
+  EXPECT_EQ(form.Text(),
+            "1 Differences Found.\r\n--> GUID Doesn't Match\r\nGUID (A) = {11111111-0000-0000-0000-000000000001}"
+            "\r\nGUID (B) = {99999999-0000-0000-0000-000000000001}\r\n");
+  const std::string shown = form.Text();
+  EXPECT_EQ(form.CompareComps("C:\\Build\\Widgets.dll", "C:\\Model\\Missing.dll"), 53);
+  EXPECT_EQ(form.CompareComps("C:\\Nope.dll", "C:\\Build\\Widgets.dll"), 53);
+  EXPECT_EQ(form.Text(), shown) << "a failed read leaves the text";
+  EXPECT_EQ(world.ui.boxes.size(), 2u);
+
+  model.guid = WidgetsLibrary().guid;
+  world.AddComponent("C:\\Model\\Widgets.dll", model);
+  EXPECT_EQ(form.CompareComps("C:\\Build\\Widgets.dll", "C:\\Model\\Widgets.dll"), 0);
+  EXPECT_EQ(form.Text(), "");
+}
+
+TEST(InstallDetails, DiagnosticsLogEveryComponentWithTheFailuresMessageAndShowNoBox) {
   VerifyWorld w;
   const VerifyItem& ole = BuiltInVerifyList()[0];
   w.Register(ole.guid, "2.0", "C:\\Windows\\System32\\stdole2.tlb");
@@ -29,15 +64,40 @@ TEST(Diagnostics, LogsEveryComponentWithTheFailuresMessageAndShowsNoBox) {
   EXPECT_EQ(w.ui.forms[0].text, expected);
 }
 
+TEST(VerifyCommand, EmptyWinePrefixFailsEveryComponentAndStops) {
+  namespace fs = std::filesystem;
+  const fs::path root = fs::temp_directory_path() / ("sentrune-verify-" + std::to_string(::getpid()));
+  fs::create_directories(root / "prefix");
+  std::istringstream in;
+  std::ostringstream out, err;
+  {
+    cli::Session session(in, out, err);
+    session.global.home = (root / "home").string();
+    session.global.wineprefix = (root / "prefix").string();
+    CLI::App app;
+    cli::AddVerifyCommand(app, session);
+    const char* argv[] = {"sentrune", "verify", "--silent"};
+    app.parse(3, argv);
+    EXPECT_EQ(session.exitCode, cli::kExitStopped) << err.str();
+  }
+  fs::remove_all(root);
+  const std::string log = out.str();
+  EXPECT_TRUE(log.starts_with("Verifying OLE Automation\nVerifying OLE Automation - Completed: Fail\n"
+                              "Component 'OLE Automation' not found on disk or in registry.\n"))
+      << log;
+  size_t fails = 0;
+  for (size_t at = log.find("Completed: Fail"); at != std::string::npos; at = log.find("Completed: Fail", at + 1))
+    ++fails;
+  EXPECT_EQ(fails, 5u);
+}
+
 TEST(SeedAddinFolder, CopiesOnlyTheMissingTemplates) {
   FakeEnv env;
   FakeFileSystem& files = env.Files();
   files.AddFile("C:\\Share\\VerifyClassTemplate.txt", "template");
   files.AddFile("C:\\Share\\AlignmentHelper.ctl", "control");
   files.AddFile("C:\\Addin\\AlignmentHelper.ctl", "the user's own");
-  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"),
-            std::vector<std::string>{"VerifyClassTemplate.txt"});
-  EXPECT_EQ(files.Contents("C:\\Addin\\VerifyClassTemplate.txt"), "template");
+  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"), std::vector<std::string>{"VerifyClassTemplate.txt"});
   EXPECT_EQ(files.Contents("C:\\Addin\\AlignmentHelper.ctl"), "the user's own");
   EXPECT_TRUE(cli::SeedAddinFolder(files, "C:\\Addin", "C:\\Share").empty());
 }

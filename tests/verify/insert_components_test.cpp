@@ -1,121 +1,190 @@
+// The verification class and alignment control: generating their text and
+// inserting them into the active project.
 #include "verify/insert_components.h"
 
 #include <gtest/gtest.h>
 
 #include "runtime/text.h"
-#include "verify/verify_project_world.h"
+#include "verify/verify_template.h"
+#include "verify/verify_world.h"
 
 namespace sentrune::testing {
 namespace {
 
 namespace mb = platform::mb;
+using Strings = std::vector<std::string>;
 
 constexpr const char* kClassFile = "C:\\Src\\App\\cVerifyInstallation.cls";
 constexpr const char* kTlbInfAdded = "A reference to tlbinf32.dll (required) has been added to your project.";
+constexpr const char* kRefreshed = "Class module has been added/refreshed.";
 
-TEST(InsertVerifyClass, WritesAddsAndSavesWithTheTlbInfReference) {
+InsertOutcome InsertClass(ProjectWorld& w, bool withRegistry = false) {
+  return InsertVerifyClass(w.state, w.options, w.ide, withRegistry ? &w.registry : nullptr);
+}
+
+TEST(InsertVerifyClass, WritesAddsAndSavesThenRefreshesInPlaceWhenAsked) {
   ProjectWorld w;
-  w.OpenApp(WidgetsReference());
-  EXPECT_EQ(InsertVerifyClass(w.state, w.options, w.ide, nullptr), InsertOutcome::kAdded);
-  EXPECT_EQ(w.Prompts(), (std::vector<std::string>{kTlbInfAdded, "Class module has been added/refreshed."}));
-  EXPECT_EQ(w.ui.boxes[1].title, "Sentrune");
+  w.OpenApp(kWidgetsReference);
+  EXPECT_EQ(InsertClass(w), InsertOutcome::kAdded);
+  EXPECT_EQ(w.Prompts(), (Strings{kTlbInfAdded, kRefreshed}));
   const std::string cls = w.env.Files().Contents(kClassFile).value_or("");
   EXPECT_NE(cls.find("Attribute VB_Name = \"cVerifyInstallation\"\r\n"), std::string::npos);
   EXPECT_NE(cls.find("\r\nGUID:=\"{11111111-0000-0000-0000-000000000001}\", _\r\n"), std::string::npos);
-  EXPECT_EQ(cls.find("|||"), std::string::npos);
-  const std::string vbp = w.ProjectText();
+  std::string vbp = w.ProjectText();
   EXPECT_NE(vbp.find("\r\nClass=cVerifyInstallation; cVerifyInstallation.cls\r\n"), std::string::npos);
-  EXPECT_NE(rt::UCase(vbp).find("{8B217740-717D-11CE-AB5B-D41203C10000}"), std::string::npos);
-  EXPECT_EQ(vbp.find("Module=Main; Main.bas\r\n"), vbp.find("Module="));
-}
+  EXPECT_NE(rt::UCase(vbp).find(kTlbInfGuid), std::string::npos);
 
-TEST(InsertVerifyClass, RefreshAsksAndReplacesInPlace) {
-  ProjectWorld w;
-  w.OpenApp(WidgetsReference());
-  ASSERT_EQ(InsertVerifyClass(w.state, w.options, w.ide, nullptr), InsertOutcome::kAdded);
+  // An edited, read-only copy is kept when declined, replaced when not.
   const std::string edited = "Attribute VB_Name = \"cVerifyInstallation\"\r\n";
   ASSERT_TRUE(w.env.Files().WriteFile(kClassFile, edited).ok());
   ASSERT_TRUE(w.env.Files().SetAttributes(kClassFile, 33).ok());
   w.ui.boxes.clear();
-
   w.ui.QueueAnswer(mb::kNo);
-  EXPECT_EQ(InsertVerifyClass(w.state, w.options, w.ide, nullptr), InsertOutcome::kDeclined);
-  EXPECT_EQ(w.Prompts(), std::vector<std::string>{"cVerifyInstallation already exists. Refresh?"});
-  EXPECT_EQ(w.ui.boxes[0].style, mb::kYesNo + mb::kQuestion);
+  EXPECT_EQ(InsertClass(w), InsertOutcome::kDeclined);
+  EXPECT_EQ(w.Prompts(), Strings{"cVerifyInstallation already exists. Refresh?"});
   EXPECT_EQ(w.env.Files().Contents(kClassFile), edited);
-
   w.ui.boxes.clear();
   w.ui.QueueAnswer(mb::kYes);
-  EXPECT_EQ(InsertVerifyClass(w.state, w.options, w.ide, nullptr), InsertOutcome::kAdded);
+  EXPECT_EQ(InsertClass(w), InsertOutcome::kAdded);
   // The reference added the first time is found now, so it is not added again.
-  EXPECT_EQ(w.Prompts(), (std::vector<std::string>{"cVerifyInstallation already exists. Refresh?",
-                                                   "Class module has been added/refreshed."}));
+  EXPECT_EQ(w.Prompts(), (Strings{"cVerifyInstallation already exists. Refresh?", kRefreshed}));
   EXPECT_NE(w.env.Files().Contents(kClassFile)->find("ProcessItem"), std::string::npos);
-  const std::string vbp = w.ProjectText();
+  vbp = w.ProjectText();
   EXPECT_EQ(vbp.find("Class="), vbp.rfind("Class="));
 }
 
 TEST(InsertVerifyClass, ReportsWhatStopsIt) {
   ProjectWorld none;
   none.OpenApp("Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\System32\\stdole2.tlb#OLE\r\n");
-  EXPECT_EQ(InsertVerifyClass(none.state, none.options, none.ide, nullptr), InsertOutcome::kNothingToDo);
-  ASSERT_EQ(none.ui.boxes.size(), 1u);
-  EXPECT_EQ(none.ui.boxes[0].prompt, "No external dependencies found\r\nAdd/refresh will not take place.");
-  EXPECT_EQ(none.ui.boxes[0].title, "No dependencies");
-  EXPECT_EQ(none.ui.boxes[0].style, 64);
+  EXPECT_EQ(InsertClass(none), InsertOutcome::kNothingToDo);
+  EXPECT_EQ(none.Prompts(), Strings{"No external dependencies found\r\nAdd/refresh will not take place."});
 
   ProjectWorld missing;
-  missing.OpenApp(WidgetsReference());
+  missing.OpenApp(kWidgetsReference);
   ASSERT_TRUE(missing.env.Files().DeleteFile("C:\\Addin\\VerifyClassTemplate.txt").ok());
-  EXPECT_EQ(InsertVerifyClass(missing.state, missing.options, missing.ide, nullptr), InsertOutcome::kFailed);
-  ASSERT_EQ(missing.ui.boxes.size(), 1u);
-  EXPECT_EQ(missing.ui.boxes[0].prompt,
-            "Unable to insert the verification class.\r\nThe file:\r\nC:\\Addin\\VerifyClassTemplate.txt is missing.");
-  EXPECT_EQ(missing.ui.boxes[0].title, "Sentrune Template file missing.");
+  EXPECT_EQ(InsertClass(missing), InsertOutcome::kFailed);
+  EXPECT_EQ(missing.Prompts(), Strings{"Unable to insert the verification class.\r\nThe file:\r\n"
+                                       "C:\\Addin\\VerifyClassTemplate.txt is missing."});
   EXPECT_FALSE(missing.env.Files().Exists(kClassFile));
 }
 
 TEST(InsertVerifyClass, TlbInfFromTheRegistryOrReportedMissing) {
   ProjectWorld registered;
-  registered.OpenApp(WidgetsReference());
+  registered.OpenApp(kWidgetsReference);
   registered.AddLibrary("C:\\Tools\\TLI.dll", kTlbInfGuid, 1, 0);
   registered.Register(kTlbInfGuid, "1.0", "C:\\Tools\\TLI.dll");
-  ASSERT_EQ(InsertVerifyClass(registered.state, registered.options, registered.ide, &registered.registry),
-            InsertOutcome::kAdded);
+  ASSERT_EQ(InsertClass(registered, true), InsertOutcome::kAdded);
   EXPECT_NE(registered.ProjectText().find("Tools\\TLI.dll#"), std::string::npos);
 
   ProjectWorld absent;
-  absent.OpenApp(WidgetsReference());
+  absent.OpenApp(kWidgetsReference);
   ASSERT_TRUE(absent.env.Files().DeleteFile(std::string(FakeEnv::kSystem) + "\\tlbinf32.dll").ok());
-  EXPECT_EQ(InsertVerifyClass(absent.state, absent.options, absent.ide, nullptr), InsertOutcome::kAdded);
+  EXPECT_EQ(InsertClass(absent), InsertOutcome::kAdded);
   ASSERT_EQ(absent.ui.boxes.size(), 2u);
   EXPECT_TRUE(absent.ui.boxes[0].prompt.starts_with("A reference to tlbinf32.dll (required) could not be added"));
   EXPECT_EQ(absent.ui.boxes[0].style, 48);
-  EXPECT_EQ(absent.ui.boxes[1].prompt, "Class module has been added/refreshed.");
 }
 
 TEST(InsertAlignControl, AddsOnceRenamedAndPublicInControlProjects) {
   ProjectWorld w;
   w.options.AlignControl = "Guide";
-  w.OpenApp(WidgetsReference(), "Control");
+  w.OpenApp(kWidgetsReference, "Control");
   EXPECT_EQ(InsertAlignControl(w.state, w.options, w.ide), InsertOutcome::kAdded);
   const std::string ctl = w.env.Files().Contents("C:\\Src\\App\\Guide.ctl").value_or("");
   EXPECT_TRUE(ctl.starts_with("VERSION 5.00\r\nBegin VB.UserControl Guide\r\n"));
   EXPECT_NE(ctl.find("Attribute VB_Name = \"Guide\"\r\n"), std::string::npos);
   EXPECT_NE(ctl.find("Attribute VB_Exposed = True\r\n"), std::string::npos);
   EXPECT_NE(w.ProjectText().find("\r\nUserControl=Guide.ctl\r\n"), std::string::npos);
-
   EXPECT_EQ(InsertAlignControl(w.state, w.options, w.ide), InsertOutcome::kNothingToDo);
-  EXPECT_EQ(w.Prompts(), (std::vector<std::string>{"UserControl has been added.", "Guide already exists."}));
-  EXPECT_EQ(w.ui.boxes[1].style, 64);
-  EXPECT_EQ(w.ui.boxes[1].title, "Sentrune");
+  EXPECT_EQ(w.Prompts(), (Strings{"UserControl has been added.", "Guide already exists."}));
 
   ProjectWorld exe;
   exe.OpenApp("");
   ASSERT_TRUE(exe.env.Files().DeleteFile("C:\\Addin\\AlignmentHelper.ctl").ok());
   EXPECT_EQ(InsertAlignControl(exe.state, exe.options, exe.ide), InsertOutcome::kFailed);
-  EXPECT_EQ(exe.Prompts(), std::vector<std::string>{"Failed to add UserControl."});
-  EXPECT_EQ(exe.ui.boxes[0].style, 48);
+  EXPECT_EQ(exe.Prompts(), Strings{"Failed to add UserControl."});
+}
+
+TEST(VerifyTemplate, BlockLinesQuoteTheirTextsForVb) {
+  const std::vector<std::string> lines = VerifyBlockLines({"Say \"Hi\"", "{G}", "1.2", "2.0.3.4", "C:\\Lib\\Hi.dll"});
+  ASSERT_EQ(lines.size(), 10u);
+  EXPECT_EQ(lines[0], "sCompName = \"Say \"\"Hi\"\"\"");
+  EXPECT_EQ(lines[3], "lErrorCode = ProcessItem(ComponentName:= sCompName, _");
+  EXPECT_EQ(lines[7], "FullPath:=\"C:\\Lib\\Hi.dll\")");
+}
+
+TEST(VerifyTemplate, ClassTextChangesOnlyTheMarkerAndTheName) {
+  const std::string templateText = rt::Cp1252ToUtf8(ShippedTemplate("VerifyClassTemplate.txt"));
+  ASSERT_NE(templateText.find("\r\n|||\r\n"), std::string::npos);
+  const VerifyBlock a{"A", "{A}", "1.0", "1.0.0.0", "C:\\A.dll"};
+  const VerifyBlock b{"B", "{B}", "2.0", "2.0.0.0", "C:\\B.dll"};
+  const std::string text = GenerateVerifyClass(templateText, {a, b}, "cCheck");
+
+  std::string calls;
+  for (const VerifyBlock& block : {a, b})
+    for (const std::string& line : VerifyBlockLines(block)) calls += (calls.empty() ? "" : "\r\n") + line;
+  std::string expected = rt::Replace(templateText, "|||", calls);
+  expected = rt::Replace(expected, "Attribute VB_Name = \"cVerifyInstallation\"", "Attribute VB_Name = \"cCheck\"");
+  EXPECT_EQ(text, expected);
+  EXPECT_NE(text.find("Attribute VB_Creatable = False\r\n"), std::string::npos);
+  EXPECT_NE(text.find("Attribute VB_Exposed = False\r\n"), std::string::npos);
+}
+
+TEST(VerifyTemplate, ModuleAttributesAreReplacedOrAddedAfterTheHeader) {
+  const std::string module =
+      "VERSION 5.00\r\nBegin VB.UserControl X\r\n   Begin VB.Label L\r\n   End\r\nEnd\r\n"
+      "Attribute VB_Name = \"X\"\r\nOption Explicit\r\n";
+  EXPECT_EQ(SetModuleAttribute(module, "VB_Name", "\"Y\""),
+            rt::Replace(module, "VB_Name = \"X\"", "VB_Name = \"Y\""));
+  EXPECT_EQ(SetModuleAttribute(module, "VB_Exposed", "True"),
+            rt::Replace(module, "\"X\"\r\n", "\"X\"\r\nAttribute VB_Exposed = True\r\n"));
+  EXPECT_EQ(SetModuleAttribute("VERSION 1.0 CLASS\nBEGIN\n  MultiUse = -1\nEND\nOption Explicit", "VB_Name", "\"C\""),
+            "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\nEND\r\nAttribute VB_Name = \"C\"\r\nOption Explicit");
+  EXPECT_EQ(SetModuleAttribute("Option Explicit\r\n", "VB_Name", "\"M\""),
+            "Attribute VB_Name = \"M\"\r\nOption Explicit\r\n");
+}
+
+TEST(VerifyTemplate, ScanFollowsEveryReferenceRule) {
+  ProjectWorld w;
+  w.env.Files().AddFile("C:\\Src\\Other\\Other.vbp", "Type=OleDll\r\nName=\"Other\"\r\nExeName32=\"Other.dll\"\r\n");
+  w.AddLibrary("C:\\Src\\Other\\Other.dll", "{22222222-0000-0000-0000-000000000001}", 3, 1);
+  ASSERT_TRUE(w.ide.Open("C:\\Src\\Other\\Other.vbp").ok());
+  w.env.Files().AddFile("C:\\Windows\\System32\\msvbvm60.dll", "MZ");
+  w.OpenApp(
+      "Reference=*\\G{000204EF-0000-0000-C000-000000000046}#6.0#0#C:\\Windows\\System32\\msvbvm60.dll\\3#VB\r\n"
+      "Reference=*\\G{99999999-0000-0000-0000-000000000001}#1.0#0#C:\\Lib\\Missing.dll#Gone Library\r\n"
+      "Reference=*\\A..\\Other\\Other.vbp\r\n"
+      "Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\System32\\stdole2.tlb#OLE\r\n"
+      "Reference=*\\G{8B217740-717D-11CE-AB5B-D41203C10000}#1.0#0#C:\\Windows\\System32\\TLBINF32.DLL#TLI\r\n" +
+      kWidgetsReference);
+  platform::VBProject& app = *w.ide.ActiveVBProject();
+
+  w.ui.QueueAnswer(mb::kOk);  // the broken reference's box
+  w.ui.QueueAnswer(mb::kYes);
+  const ReferenceScan scan = ScanReferences(w.state, w.options, app, w.ide.VBProjects());
+  EXPECT_TRUE(scan.hasTlbInf);
+  ASSERT_EQ(scan.blocks.size(), 2u);
+  EXPECT_EQ(scan.blocks[0].componentName, "Other");
+  EXPECT_EQ(scan.blocks[0].fullPath, "C:\\Src\\Other\\Other.dll");
+  EXPECT_EQ(scan.blocks[0].tlbVersion, "3.1");
+  EXPECT_EQ(scan.blocks[1].componentName, "Lib");  // the library's name, as the IDE names references
+  EXPECT_EQ(scan.blocks[1].guid, kWidgetsGuid);
+  EXPECT_EQ(scan.blocks[1].fileVersion, "2.0.3.4");
+  ASSERT_EQ(w.ui.boxes.size(), 2u);
+  EXPECT_EQ(w.ui.boxes[0].prompt, "Reference to 'Missing' is broken.\r\nThis reference will be skipped.");
+  EXPECT_EQ(w.ui.boxes[1].style, 68);
+  EXPECT_EQ(w.ui.boxes[1].title, "Project Reference Detected");
+
+  // Declined, or with no built component, the project reference gets no block.
+  w.ui.QueueAnswer(mb::kOk);
+  w.ui.QueueAnswer(mb::kNo);
+  EXPECT_EQ(ScanReferences(w.state, w.options, app, w.ide.VBProjects()).blocks.size(), 1u);
+  ASSERT_TRUE(w.env.Files().DeleteFile("C:\\Src\\Other\\Other.dll").ok());
+  w.ui.boxes.clear();
+  w.ui.QueueAnswer(mb::kOk);
+  w.ui.QueueAnswer(mb::kYes);
+  EXPECT_EQ(ScanReferences(w.state, w.options, app, w.ide.VBProjects()).blocks.size(), 1u);
+  EXPECT_EQ(w.ui.boxes.back().prompt, "Reference 'Other' will be skipped");
 }
 
 }  // namespace

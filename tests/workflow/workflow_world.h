@@ -21,17 +21,17 @@
 
 namespace sentrune::testing {
 
-inline std::string RepoBytes(const std::string& relative) {
-  std::ifstream in(std::string(SENTRUNE_SOURCE_DIR) + "/" + relative, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
+using Strings = std::vector<std::string>;
 
-// 1.1 adds members to 1.0; 2.0 breaks it.
+// 1.1 adds members to 1.0.
 inline const std::string& Widgets(const std::string& version) {
-  static const std::string v10 = RepoBytes("examples/Widgets/builds/Widgets-1.0.dll");
-  static const std::string v11 = RepoBytes("examples/Widgets/builds/Widgets-1.1.dll");
+  static const auto read = [](const std::string& name) {
+    std::ifstream in(std::string(SENTRUNE_SOURCE_DIR) + "/examples/Widgets/builds/" + name, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+  };
+  static const std::string v10 = read("Widgets-1.0.dll"), v11 = read("Widgets-1.1.dll");
   return version == "1.0" ? v10 : v11;
 }
 
@@ -39,15 +39,6 @@ inline constexpr const char* kProjectFile = "C:\\Src\\Widgets\\Widgets.vbp";
 inline constexpr const char* kComponent = "C:\\Src\\Widgets\\bin\\Widgets.dll";
 inline constexpr rt::DateTime kFirstBuild{2004, 5, 6, 14, 3, 9};
 inline constexpr rt::DateTime kSecondBuild{2004, 5, 7, 9, 30, 0};
-
-inline std::string ProjectText(const std::string& type, const std::string& extraLines = "") {
-  return "Type=" + type +
-         "\r\nReference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\System32\\stdole2.tlb#"
-         "OLE "
-         "Automation\r\nClass=Widget; Widget.cls\r\n" +
-         extraLines +
-         "ExeName32=\"Widgets.dll\"\r\nPath32=\"bin\"\r\nName=\"Widgets\"\r\nCompatibleMode=\"0\"\r\n";
-}
 
 struct WorkflowWorld : TestAddin {
   headless::HeadlessIde ide{files(), &typelibs};
@@ -60,8 +51,8 @@ struct WorkflowWorld : TestAddin {
   std::unique_ptr<clsProject> sink;
 
   // "OleDll" (ActiveX DLL) or "Exe" (Standard EXE). Every step starts
-  // switched off; tests switch on what they look at.
-  // `prepare` puts further files in place before the project is opened.
+  // switched off; tests switch on what they look at. `prepare` puts further
+  // files in place before the project is opened.
   explicit WorkflowWorld(const std::string& type = "OleDll", const std::string& extraLines = "",
                          const std::function<void(FakeFileSystem&)>& prepare = {}) {
     handler.InitOptionDefaults();
@@ -70,9 +61,13 @@ struct WorkflowWorld : TestAddin {
     options.BackupFileCount = 0;
     options.SnapIsReadOnly = false;
     for (auto& folder : options.ReleaseFolder) folder = "C:\\Release\\";
-    files().AddFile("C:\\Src\\Widgets\\Widget.cls",
-                    "VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Widget\"\r\n");
-    files().AddFile(kProjectFile, ProjectText(type, extraLines));
+    files().AddFile("C:\\Src\\Widgets\\Widget.cls", "VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Widget\"\r\n");
+    files().AddFile(kProjectFile, "Type=" + type +
+                                      "\r\nReference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\"
+                                      "System32\\stdole2.tlb#OLE Automation\r\nClass=Widget; Widget.cls\r\n" +
+                                      extraLines +
+                                      "ExeName32=\"Widgets.dll\"\r\nPath32=\"bin\"\r\nName=\"Widgets\"\r\n"
+                                      "CompatibleMode=\"0\"\r\n");
     files().AddFolder("C:\\Src\\Widgets\\bin");
     if (prepare) prepare(files());
     auto opened = ide.Open(kProjectFile);
@@ -90,41 +85,32 @@ struct WorkflowWorld : TestAddin {
   }
 
   // What the IDE does for a build: announce the write, write, report it.
-  void Build(const std::string& version, const rt::DateTime& written, int16_t result = 0) {
+  void Build(const std::string& version, const rt::DateTime& written) {
     ASSERT_TRUE(ide.FireRequestWriteFile(project, kComponent).ok());
-    if (result == 0) files().AddFile(kComponent, Widgets(version), written);
-    ASSERT_TRUE(ide.FireAfterWriteFile(project, platform::vbext_ft_Exe, kComponent, result).ok());
+    files().AddFile(kComponent, Widgets(version), written);
+    ASSERT_TRUE(ide.FireAfterWriteFile(project, platform::vbext_ft_Exe, kComponent, 0).ok());
   }
 
-  std::vector<std::string> Captions() const {
-    std::vector<std::string> captions;
+  Strings Captions() const {
+    Strings captions;
     for (const auto& question : ui.fileQuestions) captions.push_back(question.caption);
     return captions;
   }
 
-  std::vector<std::string> Steps() const { return StepsOf(sink->Report()); }
-  static std::vector<std::string> StepsOf(const BuildReport& report) {
-    std::vector<std::string> steps;
-    for (const auto& step : report.steps) steps.push_back(step.procedure + "=" + std::to_string(step.code));
+  Strings Steps() const {
+    Strings steps;
+    for (const auto& step : sink->Report().steps) steps.push_back(step.procedure + "=" + std::to_string(step.code));
     return steps;
   }
 
   // Trace lines from line `from` on that begin with one of the prefixes.
-  std::vector<std::string> TraceStarting(const std::vector<std::string>& prefixes, size_t from = 0) {
-    std::vector<std::string> picked;
-    const std::vector<std::string> lines = TraceLines();
+  Strings TraceStarting(const Strings& prefixes, size_t from = 0) {
+    Strings picked;
+    const Strings lines = TraceLines();
     for (size_t i = from; i < lines.size(); ++i)
-      if (const std::string& line = lines[i]; std::any_of(
-              prefixes.begin(), prefixes.end(), [&](const std::string& p) { return line.starts_with(p); }))
-        picked.push_back(line);
+      if (std::any_of(prefixes.begin(), prefixes.end(), [&](const std::string& p) { return lines[i].starts_with(p); }))
+        picked.push_back(lines[i]);
     return picked;
-  }
-
-  static platform::FileHandlerAnswer Answer(int button, std::string destination = {}) {
-    platform::FileHandlerAnswer answer;
-    answer.button = button;
-    answer.destination = std::move(destination);
-    return answer;
   }
 };
 

@@ -1,5 +1,11 @@
+// The model's views: the tree, the XML file, the JSON, and the viewer form.
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
+#include "settings/options_handler.h"
+#include "typelib/frm_tlb_info.h"
+#include "typelib/tlb_json.h"
 #include "typelib/typelib_world.h"
 
 namespace sentrune::testing {
@@ -67,13 +73,72 @@ TEST(BuildXML, WritesBesideTheComponentByDefaultAndReportsTheName) {
       << xml;
   EXPECT_NE(xml.find("<Get_Caption()_As_String>"), std::string::npos);
   EXPECT_TRUE(xml.ends_with("   </Widgets.dll>\r\n"));
-
-  world.env.Files().AddFolder("C:\\Out");
-  EXPECT_EQ(m.BuildXML("C:\\Out\\w.xml"), "C:\\Out\\w.xml");
   world.env.Files().FailNext(FsOp::kWrite, "C:\\Out\\x.xml", rt::errnum::kPermissionDenied);
   EXPECT_EQ(m.BuildXML("C:\\Out\\x.xml"), "");
   ASSERT_EQ(world.ui.boxes.size(), 1u);
   EXPECT_EQ(world.ui.boxes[0].style, 16);
+}
+
+TEST(TypeLibJson, KeepsTheFixedShapeAndOrder) {
+  TypelibWorld world;
+  const auto json = nlohmann::ordered_json::parse(TypeLibJson(world.Load("C:\\W.dll", WidgetsLibrary())));
+  Strings keys;
+  for (const auto& [key, value] : json.items()) keys.push_back(key);
+  EXPECT_EQ(keys, (Strings{"Library", "HelpString", "GUID", "TLBVersionString", "FileVersionString", "Enums",
+                           "Types", "Classes"}));
+  EXPECT_EQ(json["Enums"][0].dump(),
+            R"({"MemberName":"WidgetColor","Members":[{"MemberName":"colRed","MemberValue":0,"MemberHelp":""},)"
+            R"({"MemberName":"colGreen","MemberValue":1,"MemberHelp":"green"}]})");
+  EXPECT_EQ(json["Types"][0]["Members"][1].dump(), R"({"MemberName":"Y As Long","MemberHelp":""})");
+  EXPECT_EQ(json["Classes"][0]["Properties"][0].dump(),
+            R"({"MemberName":"Get Caption() As String","MemberHelp":"The caption"})");
+  EXPECT_EQ(json["Classes"][0]["Events"][0]["MemberName"], "Changed(ByVal Index As Long)");
+  EXPECT_EQ(json["Classes"][1]["Events"].dump(), "[]");
+}
+
+struct Viewer {
+  TypelibWorld world;
+  OptionsHandler options{world.state};
+  frmTLBInfo form{world.state, options};
+};
+
+TEST(TlbViewer, PanesComparisonAndXmlExport) {
+  Viewer v;
+  v.world.AddComponent("C:\\A\\Widgets.dll", WidgetsLibrary());
+  platform::TlbLibrary newer = WidgetsLibrary();
+  newer.types.back().name = "IHelper2";
+  v.world.AddComponent("C:\\B\\Widgets.dll", newer);
+  v.world.env.Files().AddFolder("C:\\Out");
+  v.form.Form_Load();
+  EXPECT_TRUE(v.form.mnuIgnoreMinorDiffs());
+  EXPECT_EQ(v.form.Pane(frmTLBInfo::kLeft)[0].text, "No TypeLib Selected");
+  // A cancelled pick and a missing file leave the pane as it was.
+  for (auto file : {std::optional<std::string>{}, std::optional<std::string>{"C:\\A\\Missing.dll"},
+                    std::optional<std::string>{"C:\\A\\Widgets.dll"}}) {
+    v.world.ui.QueueOpenFile(file);
+    v.form.mnuSelectFile_Click(frmTLBInfo::kLeft);
+  }
+  EXPECT_EQ(v.form.Pane(frmTLBInfo::kLeft)[0].key, "C:\\A\\Widgets.dll");
+  EXPECT_FALSE(v.form.CommandsEnabled().runComparison);
+
+  v.world.ui.QueueOpenFile("C:\\B\\Widgets.dll");
+  v.form.mnuSelectFile_Click(frmTLBInfo::kRight);
+  v.form.mnuRunComparison_Click();
+  EXPECT_EQ(v.world.ui.forms.at(0).caption, "Comparison Results");
+  EXPECT_EQ(v.world.ui.forms.at(0).text,
+            "2 Differences Found.\r\n"
+            "--> Widgets [C:\\B\\Widgets.dll] contains a Class named 'IHelper2' which doesn't exist in "
+            "Widgets [C:\\A\\Widgets.dll]\r\n"
+            "--> Widgets contains a Class named 'IHelper' which doesn't exist in Widgets\r\n");
+  // The check marks are the store's, and a new form starts from what was saved.
+  v.form.mnuShowDetails_Click();
+  frmTLBInfo again(v.world.state, v.options);
+  again.Form_Load();
+  EXPECT_TRUE(again.mnuShowDetails());
+
+  v.world.ui.QueueSaveFile("C:\\Out\\w.xml");
+  v.form.subGenerateXML(frmTLBInfo::kRight);
+  EXPECT_TRUE(v.world.env.Files().Exists("C:\\Out\\w.xml"));
 }
 
 }  // namespace
