@@ -28,7 +28,8 @@ class KeyedCollection {
   // in insertion order; the item may be changed in place, the key may not.
   class Entry {
    public:
-    Entry(std::string key, T value) requires(!kKeyInItem) : item(std::move(value)), key_(std::move(key)) {}
+    Entry(std::string key, T value) requires(!kKeyInItem)
+        : item(std::move(value)), key_(std::move(key)) {}
     explicit Entry(T value) requires kKeyInItem : item(std::move(value)) {}
     const std::string& key() const {
       if constexpr (kKeyInItem) {

@@ -148,14 +148,16 @@ struct clsParseTLB::Reader {
     const auto count = [&](const platform::TlbTypeInfo& from) {
       for (const platform::TlbMember& function : from.functions) {
         if (function.flags != 0) continue;
-        const bool property = function.invokeKind == 2 || function.invokeKind == 4 || function.invokeKind == 8;
+        const int kind = function.invokeKind;
+        const bool property = kind == 2 || kind == 4 || kind == 8;
         ++(property ? properties : methods);
       }
     };
     count(info);
     if (defaultInterface != -1) count(Info(defaultInterface));
     if (defaultSource != -1) {
-      for (const platform::TlbMember& function : Info(defaultSource).functions) events += function.flags == 0;
+      for (const platform::TlbMember& function : Info(defaultSource).functions)
+        events += function.flags == 0 ? 1 : 0;
     }
     cls.Properties.Reserve(properties);
     cls.Methods.Reserve(methods);

@@ -39,7 +39,6 @@ TEST_F(PosixFiles, ShortNamesResolveToTheStoredLongNames) {
   root_.MakeFolder("Program Data");
   EXPECT_EQ(*fs_.GetLongPathName("T:\\progra~2\\WIDGET~1.DLL"), "T:\\Program Files\\Widgets Library.dll");
   EXPECT_EQ(*fs_.ReadFile("T:\\PROGRA~2\\widget~1.dll"), "lib");
-  EXPECT_EQ(fs_.GetLongPathName("T:\\PROGRA~3").error().number, 53);
   EXPECT_EQ(fs_.GetLongPathName("T:\\PROGRA~3\\x.dll").error().number, 76);
 }
 
@@ -84,10 +83,6 @@ TEST(InotifyFileWatch, ReportsWrittenAndMovedInFilesOnce) {
   auto watch = InotifyFileWatch::Create();
   ASSERT_TRUE(watch.ok());
   ASSERT_TRUE((*watch)->AddFolder(temp.path()).ok());
-  auto quiet = (*watch)->Wait(20);
-  ASSERT_TRUE(quiet.ok());
-  EXPECT_TRUE(quiet->empty());
-
   temp.Write("Form1.frm", "a");
   temp.Write("Form1.frm", "b");
   temp.Write("sub/Other.bas", "not watched");

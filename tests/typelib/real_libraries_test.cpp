@@ -12,6 +12,7 @@
 #include "platform/portable/version_resources_portable.h"
 #include "platform/posix/posix_env.h"
 #include "portable/pe_test_files.h"
+#include "runtime/text.h"
 #include "support/fake_ui.h"
 #include "typelib/parse_tlb.h"
 
@@ -82,8 +83,7 @@ TEST_F(RealLibraries, EveryCompiledCorpusComponentReadsAndComparesEqualToItself)
   const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
   if (!fs::is_directory(corpus)) GTEST_SKIP() << "no corpus";
   for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
-    std::string extension = entry.path().extension().string();
-    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string extension = rt::LCase(entry.path().extension().string());
     if (entry.is_regular_file() && (extension == ".dll" || extension == ".ocx" || extension == ".cmp"))
       ExpectStable(entry.path());
   }

@@ -97,7 +97,9 @@ TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, RawT
   const bool isEnum = type.kind == TypeKind::kEnum;
   if (isEnum || type.kind == TypeKind::kRecord) {
     out.variables.reserve(type.vars.size());
-    for (RawVar& var : type.vars) ProjectVariable(std::move(var), types, isEnum, out.variables.emplace_back());
+    for (RawVar& var : type.vars) {
+      ProjectVariable(std::move(var), types, isEnum, out.variables.emplace_back());
+    }
   }
   return out;
 }

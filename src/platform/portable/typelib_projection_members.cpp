@@ -61,7 +61,8 @@ void ProjectFunction(RawFunc&& func, const TypeProjection& types, bool dispatchF
   Project(std::move(func), types, dispatchForm, out);
 }
 
-void ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum, platform::TlbMember& member) {
+void ProjectVariable(RawVar&& var, const TypeProjection& types, bool isEnum,
+                     platform::TlbMember& member) {
   member.name = std::move(var.name);
   member.memberId = var.memberId;
   member.flags = var.flags;

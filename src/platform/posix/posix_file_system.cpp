@@ -153,7 +153,8 @@ rt::Result<std::string> PosixFileSystem::ReadFile(const std::string& path) const
   // Sized from the file first, so that a large component is read in one
   // piece; a file that grows meanwhile is still read to its end.
   struct stat info {};
-  std::string bytes(fstat(fd, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) + 1 : 65536, '\0');
+  const bool sized = fstat(fd, &info) == 0 && info.st_size > 0;
+  std::string bytes(sized ? static_cast<size_t>(info.st_size) + 1 : 65536, '\0');
   size_t used = 0;
   for (;;) {
     if (used == bytes.size()) bytes.resize(2 * bytes.size());
