@@ -13,14 +13,14 @@
 #include <iostream>
 #include <sstream>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/console/console_ui.h"
-#include "platform/portable/ini_file.h"
-#include "platform/portable/msft_reader.h"
-#include "platform/portable/pe_image.h"
-#include "platform/portable/typelib_projection.h"
-#include "platform/portable/typelib_source_portable.h"
-#include "platform/portable/version_resources_portable.h"
+#include "platform/ini/ini_file.h"
+#include "platform/tlb/msft_reader.h"
+#include "platform/pe/pe_image.h"
+#include "platform/tlb/typelib_projection.h"
+#include "platform/tlb/typelib_source_portable.h"
+#include "platform/pe/version_resources_portable.h"
 #include "platform/posix/posix_env.h"
 #include "typelib/parse_tlb.h"
 

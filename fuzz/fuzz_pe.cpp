@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <span>
 
-#include "platform/portable/pe_image.h"
-#include "platform/portable/version_resources_portable.h"
+#include "platform/pe/pe_image.h"
+#include "platform/pe/version_resources_portable.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <span>
 
-#include "platform/portable/sltg_reader.h"
-#include "platform/portable/typelib_projection.h"
+#include "platform/tlb/sltg_reader.h"
+#include "platform/tlb/typelib_projection.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   auto raw = sentrune::portable::ReadSltg(std::span<const uint8_t>(data, size));

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/portable/ini_text.h"
+#include "platform/ini/ini_text.h"
 
 namespace sentrune::ini_fuzz {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "runtime/result.h"
 
 namespace sentrune {

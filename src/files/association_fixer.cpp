@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
 #include "settings/c_registry.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/env.h"
 #include "platform/registry.h"
 

@@ -1,7 +1,7 @@
 #include "files/deferred_copy.h"
 
 #include "files/file_functions.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
 #include "sysutil/shell_folders.h"

@@ -3,7 +3,7 @@
 // the user as a batch file on the desktop to run after the IDE is closed.
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "settings/option_set.h"
 
 namespace sentrune {

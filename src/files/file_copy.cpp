@@ -3,7 +3,7 @@
 #include "files/deferred_copy.h"
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 
 namespace sentrune {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/file_system.h"
 #include "settings/option_set.h"
 

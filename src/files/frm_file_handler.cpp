@@ -1,7 +1,7 @@
 #include "files/frm_file_handler.h"
 
 #include "files/trapped_error.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/vb_convert.h"
 #include "runtime/winpath.h"
 #include "settings/options_handler.h"

@@ -4,7 +4,7 @@
 
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "verify/frm_install_details.h"
 

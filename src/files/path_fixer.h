@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/file_system.h"
 #include "settings/option_set.h"
 

@@ -2,7 +2,7 @@
 
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "logging/csv_file_writer.h"
 #include "runtime/text.h"
 #include "runtime/vb_convert.h"

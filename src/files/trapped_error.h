@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "host/addin_state.h"
-#include "host/msgbox.h"
+#include "state/addin_state.h"
+#include "state/msgbox.h"
 #include "runtime/vb_error.h"
 
 namespace sentrune {

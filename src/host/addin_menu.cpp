@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "files/file_functions.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/winpath.h"
 #include "workflow/snapshot.h"
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ide.h"
 #include "runtime/keyed_collection.h"
 #include "settings/options_handler.h"

@@ -1,6 +1,6 @@
 #include "logging/csv_file_writer.h"
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_format.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 
 namespace sentrune {
 

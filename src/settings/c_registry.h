@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/registry.h"
 #include "runtime/result.h"
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_convert.h"
 #include "settings/option_catalogue.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <exception>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 
 namespace sentrune {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/profile.h"
 
 namespace sentrune {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "settings/option_catalogue.h"
 
 namespace sentrune {

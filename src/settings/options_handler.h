@@ -3,7 +3,7 @@
 // INI file) and the in-memory option set filled from it.
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "settings/ini_manager.h"
 #include "settings/option_set.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ide.h"
 #include "settings/option_set.h"
 #include "tracking/ide_usability.h"

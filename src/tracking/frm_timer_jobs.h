@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ui.h"
 #include "tracking/jet351.h"
 

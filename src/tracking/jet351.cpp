@@ -4,7 +4,7 @@
 #include <exception>
 #include <limits>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_convert.h"
 #include "runtime/vb_format.h"

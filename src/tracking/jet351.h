@@ -16,7 +16,7 @@
 #include <optional>
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "runtime/keyed_collection.h"
 #include "tracking/sqlite_image.h"
 #include "tracking/timer_job.h"

@@ -3,7 +3,7 @@
 // the time it took, so that slow database work stands out in the trace.
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 
 namespace sentrune {
 

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/vb_convert.h"
 #include "settings/options_handler.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ui.h"
 #include "typelib/parse_tlb.h"
 

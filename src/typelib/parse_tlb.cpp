@@ -4,7 +4,7 @@
 #include <cctype>
 #include <utility>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_error.h"
 #include "sysutil/version_info.h"

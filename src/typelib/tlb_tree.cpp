@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "files/xml_out.h"
-#include "host/msgbox.h"
+#include "logging/xml_out.h"
+#include "state/msgbox.h"
 #include "runtime/vb_format.h"
 #include "typelib/parse_tlb.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_convert.h"
 #include "sysutil/version_info.h"

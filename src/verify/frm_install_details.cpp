@@ -1,6 +1,6 @@
 #include "verify/frm_install_details.h"
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/vb_convert.h"
 #include "settings/options_handler.h"
 #include "typelib/parse_tlb.h"

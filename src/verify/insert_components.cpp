@@ -1,6 +1,6 @@
 #include "verify/insert_components.h"
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
 #include "verify/c_verify_installation.h"

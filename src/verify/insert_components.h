@@ -4,7 +4,7 @@
 // references) and the alignment user control.
 #include <string>
 
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ide.h"
 #include "platform/registry.h"
 #include "settings/option_set.h"

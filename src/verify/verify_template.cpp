@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
 #include "typelib/parse_tlb.h"

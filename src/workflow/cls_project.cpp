@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "files/file_functions.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "workflow/workflow_steps.h"
 

@@ -1,7 +1,7 @@
 // The Binary Compatibility Model: the dated copy of a component that the
 // project keeps compatibility against, set up, compared and renewed.
 #include "files/file_functions.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
 #include "verify/frm_install_details.h"

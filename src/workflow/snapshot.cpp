@@ -2,7 +2,7 @@
 
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
-#include "host/msgbox.h"
+#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/vb_format.h"
 #include "runtime/winpath.h"

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "files/frm_file_handler.h"
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ide.h"
 #include "settings/option_set.h"
 #include "tracking/jet351.h"

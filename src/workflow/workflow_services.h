@@ -2,7 +2,7 @@
 // What the project sinks and the build steps reach of the add-in around
 // them. The host (Connect) owns every part and hands this down, so that the
 // workflow never reaches a global.
-#include "host/addin_state.h"
+#include "state/addin_state.h"
 #include "platform/ide.h"
 #include "settings/options_handler.h"
 #include "tracking/activity_tracker.h"

@@ -4,6 +4,8 @@
 #include <iterator>
 
 #include "cli/cli_test_support.h"
+#include "seed_templates.h"
+#include "support/fake_env.h"
 
 namespace sentrune {
 namespace {
@@ -68,6 +70,17 @@ TEST(GlobalOptions, BadInputIsRefusedWithStatusTwo) {
   const testing::CliRun version = cli.Run({"--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_NE(version.out.find("sentrune "), std::string::npos);
+}
+
+TEST(SeedAddinFolder, CopiesOnlyTheMissingTemplates) {
+  testing::FakeEnv env;
+  testing::FakeFileSystem& files = env.Files();
+  files.AddFile("C:\\Share\\VerifyClassTemplate.txt", "template");
+  files.AddFile("C:\\Share\\AlignmentHelper.ctl", "control");
+  files.AddFile("C:\\Addin\\AlignmentHelper.ctl", "the user's own");
+  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"), std::vector<std::string>{"VerifyClassTemplate.txt"});
+  EXPECT_EQ(files.Contents("C:\\Addin\\AlignmentHelper.ctl"), "the user's own");
+  EXPECT_TRUE(cli::SeedAddinFolder(files, "C:\\Addin", "C:\\Share").empty());
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 // system, for the settings tests.
 #include <string>
 
-#include "host/addin_state.h"
-#include "platform/portable/ini_file.h"
+#include "state/addin_state.h"
+#include "platform/ini/ini_file.h"
 #include "support/fake_env.h"
 #include "support/fake_ui.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/portable/wine_registry.h"
-#include "platform/portable/wine_registry_file.h"
+#include "platform/winereg/wine_registry.h"
+#include "platform/winereg/wine_registry_file.h"
 #include "runtime/text.h"
 
 namespace sentrune::testing {

@@ -1,4 +1,4 @@
-#include "portable/pe_test_files.h"
+#include "platform/pe/pe_test_files.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,10 +1,10 @@
 #pragma once
 // The add-in's state over in-memory fakes: a scripted user, a file system
 // that records what it touched, and the portable readers on top of it.
-#include "host/addin_state.h"
-#include "platform/portable/ini_file.h"
-#include "platform/portable/typelib_source_portable.h"
-#include "platform/portable/version_resources_portable.h"
+#include "state/addin_state.h"
+#include "platform/ini/ini_file.h"
+#include "platform/tlb/typelib_source_portable.h"
+#include "platform/pe/version_resources_portable.h"
 #include "support/fake_env.h"
 #include "support/fake_ui.h"
 

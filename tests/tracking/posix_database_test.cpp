@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
-#include "platform/portable/ini_file.h"
-#include "platform/portable/typelib_source_portable.h"
-#include "platform/portable/version_resources_portable.h"
+#include "platform/ini/ini_file.h"
+#include "platform/tlb/typelib_source_portable.h"
+#include "platform/pe/version_resources_portable.h"
 #include "platform/posix/posix_env.h"
 #include "support/fake_ui.h"
 #include "tracking/jet351.h"

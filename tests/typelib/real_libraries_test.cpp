@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/portable/ini_file.h"
-#include "platform/portable/pe_image.h"
-#include "platform/portable/typelib_source_portable.h"
-#include "platform/portable/version_resources_portable.h"
+#include "platform/ini/ini_file.h"
+#include "platform/pe/pe_image.h"
+#include "platform/tlb/typelib_source_portable.h"
+#include "platform/pe/version_resources_portable.h"
 #include "platform/posix/posix_env.h"
-#include "portable/pe_test_files.h"
+#include "platform/pe/pe_test_files.h"
 #include "runtime/text.h"
 #include "support/fake_ui.h"
 #include "typelib/parse_tlb.h"

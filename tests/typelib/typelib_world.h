@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/addin_state.h"
-#include "platform/portable/ini_file.h"
+#include "state/addin_state.h"
+#include "platform/ini/ini_file.h"
 #include "runtime/text.h"
 #include "support/fake_env.h"
 #include "support/fake_typelib_source.h"

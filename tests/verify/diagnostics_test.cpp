@@ -1,10 +1,8 @@
-// The install details form (comparisons and the verification log), the
-// diagnostics run from the form, and seeding the add-in folder with the
-// shipped templates.
+// The install details form (comparisons and the verification log) and the
+// diagnostics run from the form.
 #include <gtest/gtest.h>
 
 
-#include "seed_templates.h"
 #include "verify/c_verify_installation.h"
 #include "verify/frm_install_details.h"
 #include "verify/verify_world.h"
@@ -54,17 +52,6 @@ TEST(InstallDetails, DiagnosticsLogEveryComponentWithTheFailuresMessageAndShowNo
   ASSERT_EQ(w.ui.forms.size(), 1u);
   EXPECT_EQ(w.ui.forms[0].caption, frmInstallDetails::kDiagnosticsCaption);
   EXPECT_EQ(w.ui.forms[0].text, expected);
-}
-
-TEST(SeedAddinFolder, CopiesOnlyTheMissingTemplates) {
-  FakeEnv env;
-  FakeFileSystem& files = env.Files();
-  files.AddFile("C:\\Share\\VerifyClassTemplate.txt", "template");
-  files.AddFile("C:\\Share\\AlignmentHelper.ctl", "control");
-  files.AddFile("C:\\Addin\\AlignmentHelper.ctl", "the user's own");
-  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"), std::vector<std::string>{"VerifyClassTemplate.txt"});
-  EXPECT_EQ(files.Contents("C:\\Addin\\AlignmentHelper.ctl"), "the user's own");
-  EXPECT_TRUE(cli::SeedAddinFolder(files, "C:\\Addin", "C:\\Share").empty());
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "platform/posix/wine_server_registry.h"
 
-#include "platform/portable/wine_registry.h"
+#include "platform/winereg/wine_registry.h"
 #include "platform/posix/wine_server.h"
 
 namespace sentrune::posix {

@@ -1,0 +1,241 @@
+// INI text lookups and rewrites, and the profile files built on them over the
+// in-memory and the real file system.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <tuple>
+
+#include "../../../fuzz/ini_fuzz_case.h"
+#include "platform/ini/ini_file.h"
+#include "platform/ini/ini_text.h"
+#include "platform/posix/posix_file_system.h"
+#include "support/fake_file_system.h"
+
+namespace sentrune::portable {
+namespace {
+
+using namespace std::string_literals;
+using ini::CopyToBuffer;
+using ini::SetValue;
+using testing::FakeFileSystem;
+using testing::FsOp;
+
+std::string Read(std::string_view file, std::string_view section, std::string_view key) {
+  const auto value = ini::FindValue(file, section, key);
+  return value ? std::string(*value) : std::string("<absent>");
+}
+
+TEST(IniLookup, NamesIgnoreCaseValuesAreTrimmedAndOnlyTheFirstSectionCounts) {
+  const std::string file =
+      "Orphan=before any section\n"
+      "[Settings]\r\n"
+      "TrackTime=1\r\n"
+      "  \tBackupFolderName \t=  \tOld History \t \r\n"
+      "CL\xC9=latin\r\n"  // "CLÉ" in cp1252
+      "Empty=\r\n"
+      ";Key=commented out\n"
+      "garbage without equals\n"
+      "Key\n"
+      "[broken header\n"
+      "Dup=first\n"
+      "Dup=second\n"
+      "[ Other ] trailing text\n"
+      "Key=other\n"
+      "[settings]\n"
+      "Later=in a second Settings section\n";
+  const std::tuple<const char*, const char*, const char*> lookups[] = {
+      {"SETTINGS", "tracktime", "1"},
+      {"Settings", "cl\xE9", "latin"},
+      {"Settings", "Empty", ""},
+      {"Settings", "Key", "<absent>"},
+      {"Settings", "Orphan", "<absent>"},
+      {"Settings", "[broken header", "<absent>"},
+      {"Settings", "Dup", "first"},
+      {"Other", "Key", "other"},
+      {"Settings", "Later", "<absent>"},
+  };
+  for (const auto& [section, key, value] : lookups) EXPECT_EQ(Read(file, section, key), value) << key;
+  EXPECT_EQ(Read("[S]\nA\xD7=1\n", "S", "a\xF7"), "<absent>");  // U+00D7 and U+00F7 are no letter pair
+}
+
+TEST(IniBuffer, QuotesAndTheBufferSize) {
+  const std::string x300(300, 'x'), x254(254, 'x');
+  const std::tuple<std::string, size_t, std::string> cases[] = {
+      {"\"quoted value\"", 255, "quoted value"},
+      {"\"\"", 255, ""},
+      {"\"mixed'", 255, "\"mixed'"},
+      {"\"a\" and \"b\"", 255, "a\" and \"b"},
+      {x300, 255, x254},
+      {"\"" + x300 + "\"", 255, x254},
+      {"abc", 0, ""},
+  };
+  for (const auto& [value, size, expected] : cases) EXPECT_EQ(CopyToBuffer(value, size), expected) << value;
+  EXPECT_EQ(ini::CopyDefaultToBuffer("History   ", 255), "History");
+  EXPECT_EQ(ini::CopyDefaultToBuffer("  lead\t", 255), "  lead\t");
+}
+
+TEST(IniWrite, ReplacesInPlaceAddsAfterTheSectionOrCreatesIt) {
+  const std::tuple<std::string, const char*, const char*, const char*, std::string> cases[] = {
+      // CR LF, LF-only, binary bytes and a last line without a line end: every other byte stays.
+      {"; options\r\n[Settings]\nBefore = 1\r\n  trackTime = 0  \nAfter=\x01\xFF\x00z\r\n[Other]\r\nTrackTime=9"s,
+       "settings", "TrackTime", "1",
+       "; options\r\n[Settings]\nBefore = 1\r\nTrackTime=1\nAfter=\x01\xFF\x00z\r\n[Other]\r\nTrackTime=9"s},
+      {"[S]\nk=old\r", "S", "k", "new", "[S]\nk=new\r"},  // a CR ends the file
+      {"[S]\r\nDup=1\r\nDup=2\r\n", "S", "dup", "3", "[S]\r\ndup=3\r\nDup=2\r\n"},
+      // A missing key goes after the last non-blank line of its section,
+      // comments and garbage included.
+      {"[A]\r\nx=1\r\n\r\n\r\n[B]\r\ny=2\r\n", "a", "New", "v", "[A]\r\nx=1\r\nNew=v\r\n\r\n\r\n[B]\r\ny=2\r\n"},
+      {"[A]\nx=1\n;note\n\n[B]\n", "A", "New", "v", "[A]\nx=1\n;note\nNew=v\r\n\n[B]\n"},
+      {"[A]\nx=1", "A", "New", "v", "[A]\nx=1\r\nNew=v\r\n"},  // the last line gets its line end
+      {"[A]\nx=1\n[B]\n[A]\ny=2\n", "A", "y", "3", "[A]\nx=1\ny=3\r\n[B]\n[A]\ny=2\n"},  // only the first [A]
+      // A missing section (or file) goes at the end.
+      {"", "Settings", "Key", "Value", "[Settings]\r\nKey=Value\r\n"},
+      {"garbage\x80", "Settings", "Key", "V", "garbage\x80\r\n[Settings]\r\nKey=V\r\n"},
+  };
+  for (const auto& [file, section, key, value, expected] : cases) {
+    EXPECT_EQ(SetValue(file, section, key, value), expected) << file;
+  }
+}
+
+TEST(IniWrite, LongKeysValuesAndFilesRoundTrip) {
+  const std::string key(1000, 'K');
+  std::string file = SetValue("[Settings]\r\nA=1\r\n", "Settings", key, std::string(5000, 'v'));
+  EXPECT_EQ(Read(file, "settings", std::string(1000, 'k')), std::string(5000, 'v'));
+  EXPECT_EQ(SetValue(file, "Settings", key, "short"), "[Settings]\r\nA=1\r\n" + key + "=short\r\n");
+
+  file = "[Settings]\r\n";
+  for (int i = 0; file.size() < 10 * 1024 * 1024; ++i) {
+    file += "Key" + std::to_string(i) + "=some value of a realistic length " + std::to_string(i) + "\r\n";
+  }
+  file += "[Tail]\r\nLast=1\r\n";
+  const std::string added = SetValue(file, "Settings", "Added", "yes");
+  // EXPECT_TRUE: a failure must not print ten megabytes.
+  EXPECT_TRUE(added == file.substr(0, file.size() - 16) + "Added=yes\r\n" + file.substr(file.size() - 16));
+  std::string expected = added;
+  expected.replace(expected.size() - 8, 6, "LAST=2");
+  EXPECT_TRUE(SetValue(added, "tail", "LAST", "2") == expected);
+}
+
+TEST(IniFuzzRegression, SavedInputsKeepTheProperties) {
+  int replayed = 0;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::filesystem::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures/fuzz/ini")) {
+    std::ifstream in(entry.path(), std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const ini_fuzz::Case c = ini_fuzz::Decode(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+    EXPECT_EQ(ini_fuzz::Violation(c), "") << entry.path().filename();
+    ++replayed;
+  }
+  EXPECT_GT(replayed, 0);
+}
+
+constexpr const char* kIni = "C:\\Cfg\\Sentrune.ini";
+
+enum class Backend { kFake, kPosix };
+
+// The same behaviour over the in-memory file system and over real files in
+// a fresh host folder mapped as drive C:.
+class ProfileContract : public ::testing::TestWithParam<Backend> {
+ protected:
+  void SetUp() override {
+    if (GetParam() == Backend::kFake) {
+      files_ = std::make_unique<FakeFileSystem>();
+    } else {
+      std::string pattern = (std::filesystem::temp_directory_path() / "sentrune-ini-XXXXXX").string();
+      ASSERT_TRUE(mkdtemp(pattern.data()));
+      folder_ = pattern;
+      posix::DriveMap drives;
+      drives.SetDrive('C', folder_);
+      files_ = std::make_unique<posix::PosixFileSystem>(drives);
+    }
+    ASSERT_TRUE(files_->CreateDirectory("C:\\Cfg").ok());
+    profiles_ = std::make_unique<PortableProfileFiles>(*files_);
+  }
+  void TearDown() override {
+    std::error_code ec;
+    if (!folder_.empty()) std::filesystem::remove_all(folder_, ec);
+  }
+
+  void Put(const std::string& bytes) { ASSERT_TRUE(files_->WriteFile(kIni, bytes).ok()); }
+  std::string Bytes() const {
+    const rt::Result<std::string> bytes = files_->ReadFile(kIni);
+    return bytes ? *bytes : "<missing>";
+  }
+  std::string Get(const std::string& key, const std::string& defaultValue = "<default>") {
+    return profiles_->GetString("Settings", key, defaultValue, 255, kIni);
+  }
+
+  std::string folder_;
+  std::unique_ptr<platform::FileSystem> files_;
+  std::unique_ptr<PortableProfileFiles> profiles_;
+};
+
+TEST_P(ProfileContract, ReadsThroughTheBuffer) {
+  EXPECT_EQ(Get("Anything"), "<default>");  // no file at all
+  EXPECT_EQ(Get("Anything", "History  "), "History");
+  Put("[settings]\r\nempty=\r\nLong=" + std::string(300, 'x') + "\r\nQuoted=\" padded \"\r\nCl\xE9=Caf\xE9 \x80\r\n");
+  EXPECT_EQ(Get("EMPTY"), "");
+  EXPECT_EQ(Get("Long"), std::string(254, 'x'));
+  EXPECT_EQ(Get("Quoted"), " padded ");
+  EXPECT_EQ(Get("CL\xC3\x89"), "Caf\xC3\xA9 \xE2\x82\xAC");  // the file's text is Windows-1252
+  EXPECT_EQ(Get("Absent", std::string(300, 'd')), std::string(254, 'd'));
+}
+
+TEST_P(ProfileContract, WritesCreateTheFileAndKeepOtherLines) {
+  EXPECT_TRUE(profiles_->WriteString("Settings", "Cl\xC3\xA9", "Caf\xC3\xA9 \xE2\x82\xAC", kIni));
+  EXPECT_EQ(Bytes(), "[Settings]\r\nCl\xE9=Caf\xE9 \x80\r\n");
+
+  Put("; kept\n[Settings]\nTrackTime=0\nnoise\x01\n[Other]\r\nX=1");
+  EXPECT_TRUE(profiles_->WriteString("SETTINGS", "tracktime", "2", kIni));
+  EXPECT_TRUE(profiles_->WriteString("Other", "Y", "3", kIni));
+  EXPECT_EQ(Bytes(), "; kept\n[Settings]\ntracktime=2\nnoise\x01\n[Other]\r\nX=1\r\nY=3\r\n");
+
+  const auto entries = files_->List("C:\\Cfg\\*");  // no temporary file stays behind
+  ASSERT_TRUE(entries.ok());
+  ASSERT_EQ(entries->size(), 1u);
+  EXPECT_EQ((*entries)[0].name, "Sentrune.ini");
+}
+
+TEST_P(ProfileContract, FailedWritesLeaveTheFileAsItWas) {
+  Put("[Settings]\r\nTrackTime=0\r\n");
+  ASSERT_TRUE(files_->SetAttributes(kIni, platform::kAttrArchive | platform::kAttrReadOnly).ok());
+  EXPECT_FALSE(profiles_->WriteString("Settings", "TrackTime", "1", kIni));
+  EXPECT_EQ(Bytes(), "[Settings]\r\nTrackTime=0\r\n");
+  EXPECT_FALSE(profiles_->WriteString("Settings", "TrackTime", "1", "C:\\NoSuchFolder\\Sentrune.ini"));
+  EXPECT_FALSE(files_->GetAttributes("C:\\NoSuchFolder").ok());
+}
+
+INSTANTIATE_TEST_SUITE_P(FakeAndReal, ProfileContract, ::testing::Values(Backend::kFake, Backend::kPosix),
+                         [](const auto& info) { return info.param == Backend::kFake ? "Fake" : "Posix"; });
+
+// Failures only the fake can stage, at each step of the rewrite.
+TEST(ProfileAtomicWrite, AFailureAtAnyStepKeepsTheOriginal) {
+  const std::string original = "[Settings]\r\nTrackTime=0\r\n";
+  const std::tuple<FsOp, const char*, int32_t> failures[] = {
+      {FsOp::kRead, kIni, rt::errnum::kPermissionDenied},
+      {FsOp::kWrite, "C:\\Cfg\\Sentrune.ini.tmp", rt::errnum::kDiskFull},
+      {FsOp::kRename, kIni, rt::errnum::kPermissionDenied},
+  };
+  for (const auto& [op, path, error] : failures) {
+    FakeFileSystem files;
+    files.AddFile(kIni, original);
+    files.FailNext(op, path, error);
+    EXPECT_FALSE(PortableProfileFiles(files).WriteString("Settings", "TrackTime", "1", kIni)) << path;
+    EXPECT_EQ(files.Contents(kIni), original) << path;
+    EXPECT_FALSE(files.Exists("C:\\Cfg\\Sentrune.ini.tmp")) << path;
+  }
+  FakeFileSystem files;
+  files.AddFile(kIni, original);
+  EXPECT_TRUE(PortableProfileFiles(files).WriteString("Settings", "TrackTime", "1", kIni));
+  EXPECT_EQ(files.Record().renames,
+            (std::vector<std::pair<std::string, std::string>>{{"C:\\Cfg\\Sentrune.ini.tmp", kIni}}));
+}
+
+}  // namespace
+}  // namespace sentrune::portable

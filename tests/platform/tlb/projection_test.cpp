@@ -1,0 +1,373 @@
+// The projection of stored libraries into the view the type library API
+// shows: on the compiled fixtures and their variants, and on libraries built
+// by hand in shapes no compiler writes (alias cycles, imported defaults,
+// interface-kind duals as SLTG stores them, wide enum values).
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
+
+#include "msft_test_files.h"
+#include "platform/pe/pe_image.h"
+#include "platform/tlb/typelib_projection.h"
+
+namespace sentrune::portable {
+namespace {
+
+namespace vt = platform::vt;
+using platform::TlbLibrary;
+using platform::TlbMember;
+using platform::TlbType;
+using platform::TlbTypeInfo;
+using testing::Function;
+using testing::ProjectFixture;
+using testing::Type;
+using testing::Variable;
+
+int Position(const TlbLibrary& library, std::string_view name) {
+  for (size_t i = 0; i < library.types.size(); ++i) {
+    if (library.types[i].name == name) return static_cast<int>(i);
+  }
+  return -2;
+}
+
+// A projected type as text: the VT's or the user type's name, then [] for an
+// array and & by reference.
+std::string Text(const TlbType& type) {
+  static const std::map<int, const char*> kNames = {{0, ""},          {2, "I2"},        {3, "I4"},    {5, "R8"},
+                                                    {8, "BSTR"},      {9, "IDispatch"}, {11, "Bool"}, {12, "Variant"},
+                                                    {13, "IUnknown"}, {19, "UI4"},      {24, "void"}, {25, "HRESULT"}};
+  const int base = type.code & 0xFFF;
+  const std::string name = kNames.count(base) ? kNames.at(base) : "#" + std::to_string(base);
+  return type.userTypeName + name + (type.code & vt::kArrayFlag ? "[]" : "") + (type.code & vt::kByRefFlag ? "&" : "");
+}
+std::string Text(const platform::TlbValue& value) {
+  return std::to_string(value.vt) + ":" + std::to_string(value.integer) +
+         (value.real != 0 ? "/" + std::to_string(value.real) : "") + value.text;
+}
+// "I4(BSTR Key, I4 Start opt=3:1)": the return type and the parameters.
+std::string Signature(const TlbMember& member) {
+  std::string text = Text(member.type) + "(";
+  for (const auto& param : member.params) {
+    text += (&param == &member.params[0] ? "" : ", ") + Text(param.type) + " " + param.name +
+            (param.optional ? " opt" : "") + (param.hasDefault ? "=" + Text(param.defaultValue) : "");
+  }
+  return text + ")";
+}
+std::string Names(const std::vector<TlbMember>& members, size_t from = 0, size_t to = SIZE_MAX) {
+  std::string names;
+  for (size_t i = from; i < std::min(to, members.size()); ++i) names += (i == from ? "" : " ") + members[i].name;
+  return names;
+}
+
+// The widl-compiled fixtures, checked against what the system's type library
+// API shows for the same IDL.
+TEST(FixtureProjection, TypesListTheirOwnMembers) {
+  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
+  // Duals show their dispatch view: IDispatch's seven functions, restricted,
+  // then the functions of their own, and no automation flag 0x100.
+  const struct {
+    const TlbLibrary& library;
+    const char* type;
+    const char* kind;
+    uint32_t flags;
+    size_t own;  // where the type's own functions start
+    const char* functions;
+    const char* variables;
+  } types[] = {
+      {widgets, "_Widget", "dispatch", 0x10D0, 7,
+       "Caption Caption Font Font BackColor BackColor Item Item Picture Find Clear Resize Describe GetNames SetNames "
+       "Attach Configure Refresh Internal _B_str_Format _B_var_Format Lookup", ""},
+      {widgets, "__Widget", "dispatch", 0x1010, 0, "Changed Closing", ""},  // an event dispinterface: its own only
+      {widgets, "WidgetInfo", "record", 0, 0, "", "Count Name Weight Tags Color Owner"},
+      {shapes, "IShape", "dispatch", 0x1040, 7, "Area Move Scale Link Outline", ""},  // after its dual base's
+      {shapes, "IRawShape", "interface", 0x100, 0, "Sides Resize Count", ""},
+      {shapes, "ShapeFunctions", "module", 0, 0, "Circle", ""},
+      {shapes, "DShapeEvents", "dispatch", 0x1000, 0, "Moved Sized", ""},
+  };
+  for (const auto& t : types) {
+    const TlbTypeInfo& type = Type(t.library, t.type);
+    EXPECT_EQ(type.kind, t.kind) << t.type;
+    EXPECT_EQ(type.flags, t.flags) << t.type;
+    EXPECT_EQ(Names(type.functions, t.own), t.functions) << t.type;
+    EXPECT_EQ(Names(type.variables), t.variables) << t.type;
+    if (t.own == 0) continue;
+    EXPECT_EQ(Names(type.functions, 0, 7),
+              "QueryInterface AddRef Release GetTypeInfoCount GetTypeInfo GetIDsOfNames Invoke");
+    for (size_t i = 0; i < 7; ++i) EXPECT_EQ(type.functions.at(i).flags & 1, 1u) << t.type << i;
+  }
+}
+
+TEST(FixtureProjection, MembersFollowTheRetvalPointerArrayAndAliasRules) {
+  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
+  const struct {
+    const TlbLibrary& library;
+    const char* type;
+    const char* member;
+    int invokeKind;  // 0: a variable, by its type
+    const char* signature;
+  } members[] = {
+      // [retval] becomes the return type, HRESULT becomes void, [lcid] goes.
+      {widgets, "_Widget", "Find", 1, "I4(BSTR Key, I4 Start opt=3:1)"},
+      {widgets, "_Widget", "GetNames", 1, "BSTR[]()"},
+      {widgets, "_Widget", "SetNames", 1, "void(BSTR[]& Names)"},
+      // An object pointer is the reference itself; IUnknown* and IDispatch* are VTs.
+      {widgets, "_Widget", "Attach", 1, "void(_Part Part, IUnknown Sink, IDispatch Owner)"},
+      // stdole's aliases resolve to their targets: IFontDisp to the Font
+      // dispinterface, OLE_COLOR to an unsigned long.
+      {widgets, "_Widget", "Font", 2, "Font()"},
+      {widgets, "_Widget", "BackColor", 2, "UI4()"},
+      // Names come from the first function with the member ID: the get of Item
+      // has one parameter, so the put's value has no name; Caption's neither.
+      {widgets, "_Widget", "Item", 4, "void(Variant Index, Variant )"},
+      {widgets, "WidgetInfo", "Tags", 0, "BSTR[]"},
+      {widgets, "WidgetInfo", "Color", 0, "WidgetColors"},
+      // Aliases are looked through, also when deciding that a pointer is the
+      // object reference itself.
+      {shapes, "IShape", "Link", 1, "void(IShape Other, IShape& Slot, IShape& Both)"},
+      {shapes, "IShape", "Outline", 1, "IShape[](Figure& Shape)"},
+      {shapes, "Figure", "Shape", 0, "IShape"},
+      // Vtable interfaces, modules and dispinterfaces are shown raw.
+      {shapes, "IRawShape", "Sides", 1, "HRESULT(I4& Sides)"},
+      {shapes, "DShapeEvents", "Sized", 1, "HRESULT(I4& Size)"},
+  };
+  for (const auto& m : members) {
+    const TlbTypeInfo& type = Type(m.library, m.type);
+    const std::string seen = m.invokeKind ? Signature(Function(type, m.member, m.invokeKind))
+                                          : Text(Variable(type, m.member).type);
+    EXPECT_EQ(seen, m.signature) << m.type << "." << m.member;
+  }
+  const TlbTypeInfo& widget = Type(widgets, "_Widget");
+  EXPECT_EQ(Function(widget, "Refresh").flags, 0x40u);
+  EXPECT_EQ(Function(widget, "Internal").flags, 0x1u);
+  EXPECT_EQ(Variable(Type(widgets, "WidgetColors"), "wgAll").value->integer, -1);
+}
+
+TEST(FixtureProjection, CoclassesLinkTheirDefaultAndSourceInterfaces) {
+  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
+  const std::tuple<const TlbLibrary&, const char*, const char*, const char*> coclasses[] = {
+      {widgets, "Widget", "_Widget", "__Widget"},
+      {widgets, "Part", "_Part", ""},
+      {shapes, "Square", "IShape", "DShapeEvents"},  // a restricted default still counts
+  };
+  for (const auto& [library, name, defaultInterface, defaultSource] : coclasses) {
+    const TlbTypeInfo& type = Type(library, name);
+    EXPECT_EQ(type.defaultInterface, *defaultInterface ? Position(library, defaultInterface) : -1) << name;
+    EXPECT_EQ(type.defaultSource, *defaultSource ? Position(library, defaultSource) : -1) << name;
+  }
+}
+
+// One line per library, type and member with everything the model reader
+// reads. Enum constants leave out their member IDs, which shift when one is
+// inserted.
+std::set<std::string> Lines(const TlbLibrary& library) {
+  std::set<std::string> lines = {"library " + library.name + " " + library.guid + " " + library.helpString + " " +
+                                 std::to_string(library.majorVersion) + "." + std::to_string(library.minorVersion)};
+  for (const auto& type : library.types) {
+    lines.insert("type " + type.name + " " + type.kind + " " + type.guid + " " + type.helpString + " " +
+                 std::to_string(type.flags) + " " + std::to_string(type.defaultInterface) + " " +
+                 std::to_string(type.defaultSource));
+    for (const auto& member : type.functions) {
+      lines.insert(type.name + "." + member.name + " " + std::to_string(member.memberId) + " " +
+                   std::to_string(member.invokeKind) + " " + std::to_string(member.flags) + " " + Signature(member) +
+                   " " + member.helpString);
+    }
+    for (const auto& member : type.variables) {
+      lines.insert(type.name + "." + member.name + " " + Text(member.type) + " " +
+                   (member.value ? Text(*member.value) : "") + " " + member.helpString);
+    }
+  }
+  return lines;
+}
+
+// The 64-bit and PE-embedded copies project as the base library does; the
+// other variants' differences are checked end to end by the comparison tests.
+TEST(FixtureProjection, Win64AndPeEmbeddedCopiesProjectAlike) {
+  const auto base = Lines(ProjectFixture("widgets.tlb"));
+  EXPECT_EQ(Lines(ProjectFixture("widgets64.tlb")), base);
+  const auto image = testing::TypeLibFixture("widgets.dll");
+  auto parsed = PeImage::Parse(image);
+  ASSERT_TRUE(parsed.ok()) << parsed.error().description;
+  auto resource = parsed->FindResource(ResourceId::Named(kTypeLibResourceType), ResourceId::Number(1));
+  ASSERT_TRUE(resource.has_value());
+  auto raw = ReadMsft(*resource);
+  ASSERT_TRUE(raw.ok()) << raw.error().description;
+  EXPECT_EQ(Lines(ProjectLibrary(*raw)), base);
+}
+
+// A stored library built by hand.
+class Library {
+ public:
+  int32_t Desc(uint16_t code, int32_t element = -1) { return Push({code, element, {}}); }
+  int32_t Local(int32_t index) { return Push({vt::kUserDefined, -1, LocalRef(index)}); }
+  int32_t Imported(std::string name, std::optional<TypeKind> kind) {
+    return Push({vt::kUserDefined, -1, {RawRef::Kind::kImported, -1, std::move(name), kind, ""}});
+  }
+  static RawRef LocalRef(int32_t index) { return {RawRef::Kind::kLocal, index, "", {}, ""}; }
+  RawTypeInfo& Add(std::string name, TypeKind kind) {
+    raw.types.emplace_back();
+    raw.types.back().name = std::move(name);
+    raw.types.back().kind = kind;
+    return raw.types.back();
+  }
+  // A function "F" whose single parameter has the given type.
+  static RawFunc TakingA(int32_t type, int32_t memberId = 1) {
+    RawFunc func;
+    func.memberId = memberId;
+    func.name = "F";
+    func.params.push_back(RawParam{"p", 1, type, {}});
+    return func;
+  }
+  // The projected type of a parameter of the given type.
+  TlbType ParamType(int32_t type) {
+    Add("IHolder", TypeKind::kInterface).funcs.push_back(TakingA(type));
+    const TlbLibrary projected = ProjectLibrary(raw);
+    raw.types.pop_back();
+    return projected.types.back().functions.at(0).params.at(0).type;
+  }
+
+  RawLibrary raw;
+
+ private:
+  int32_t Push(RawTypeDesc desc) {
+    raw.typeDescs.push_back(std::move(desc));
+    return static_cast<int32_t>(raw.typeDescs.size() - 1);
+  }
+};
+
+TEST(ProjectionRules, UnresolvableTypesGiveCode29WithoutAName) {
+  Library lib;
+  lib.Add("Decimal", TypeKind::kAlias).aliasType = 0;  // typedef Decimal Decimal
+  ASSERT_EQ(lib.Local(0), 0);
+  const TlbType unresolved{vt::kUserDefined, ""};
+  EXPECT_EQ(lib.ParamType(0), unresolved);
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, 0)), (TlbType{vt::kByRefFlag | vt::kUserDefined, ""}));
+  EXPECT_EQ(lib.ParamType(12345), unresolved);
+  EXPECT_EQ(lib.ParamType(lib.Imported("", TypeKind::kInterface)), unresolved);
+  EXPECT_EQ(lib.ParamType(lib.Imported("NotStdole", TypeKind::kAlias)), unresolved);
+  // Known imported types keep their names; pointers to them are the object reference.
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("Recordset", TypeKind::kDispatch))),
+            (TlbType{0, "Recordset"}));
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("OLE_COLOR", TypeKind::kAlias))),
+            (TlbType{vt::kByRefFlag | vt::kUI4, ""}));
+}
+
+TEST(ProjectionRules, PointerLevelsAndAliasesOfObjects) {
+  Library lib;
+  lib.Add("IThing", TypeKind::kInterface);
+  lib.Add("ThingAlias", TypeKind::kAlias).aliasType = lib.Local(0);
+  lib.Add("Point", TypeKind::kRecord);
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Desc(vt::kPtr, lib.Local(0)))), (TlbType{vt::kByRefFlag, "IThing"}));
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(1))), (TlbType{0, "IThing"}));
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(2))), (TlbType{vt::kByRefFlag, "Point"}));
+  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kCArray, lib.Local(2))), (TlbType{vt::kArrayFlag, "Point"}));
+}
+
+TEST(ProjectionRules, LinkPairTakesTheFirstFlaggedInterfaceOnly) {
+  Library lib;
+  lib.Add("_A", TypeKind::kDispatch);
+  lib.Add("_B", TypeKind::kDispatch);
+  const RawRef a = Library::LocalRef(0), b = Library::LocalRef(1);
+  const RawRef imported{RawRef::Kind::kImported, -1, "IDispatch", TypeKind::kInterface, ""};
+  lib.Add("Imported", TypeKind::kCoclass).impls = {{imported, 1}, {a, 1}, {b, 3}};
+  lib.Add("Unflagged", TypeKind::kCoclass).impls = {{a, 0}, {b, 2}};
+  lib.Add("Restricted", TypeKind::kCoclass).impls = {{a, 0}, {b, 5}, {a, 1}, {a, 7}, {b, 3}};
+  const TlbLibrary projected = ProjectLibrary(lib.raw);
+  auto pair = [&](size_t i) {
+    return std::pair(projected.types[i].defaultInterface, projected.types[i].defaultSource);
+  };
+  EXPECT_EQ(pair(2), std::make_pair(-1, 1));   // an import gives none, with no fallback
+  EXPECT_EQ(pair(3), std::make_pair(-1, -1));  // nothing flagged default
+  EXPECT_EQ(pair(4), std::make_pair(1, 0));    // restricted ignored, first of each wins
+}
+
+TEST(ProjectionRules, InterfaceKindDualsShowTheDispatchView) {
+  Library lib;
+  const int32_t hresult = lib.Desc(vt::kHresult);
+  RawTypeInfo& base = lib.Add("IBase", TypeKind::kInterface);
+  base.flags = 0x1140;
+  base.funcs.push_back(Library::TakingA(lib.Desc(vt::kI4), 5));
+  base.funcs.back().returnType = hresult;
+  RawTypeInfo& dual = lib.Add("IDual", TypeKind::kInterface);
+  dual.flags = 0x1140;
+  dual.funcs.push_back(Library::TakingA(lib.Desc(vt::kPtr, lib.Desc(vt::kBstr)), 6));
+  dual.funcs.back().params[0].flags = 0x2 | 0x8;
+  dual.funcs.back().returnType = hresult;
+  // The bases point at each other: the chain stops instead of looping.
+  lib.raw.types[0].impls = {{Library::LocalRef(1), 0}};
+  lib.raw.types[1].impls = {{Library::LocalRef(0), 0}};
+
+  const TlbTypeInfo view = ProjectLibrary(lib.raw).types[1];
+  EXPECT_EQ(view.kind, "dispatch");
+  EXPECT_EQ(view.flags, 0x1040u);
+  ASSERT_EQ(view.functions.size(), 9u);
+  EXPECT_EQ(view.functions[7].type.code, vt::kVoid);
+  EXPECT_EQ(view.functions[8].type, (TlbType{vt::kBstr, ""}));
+  EXPECT_TRUE(view.functions[8].params.empty());
+}
+
+TEST(ProjectionRules, TextsThatDualViewsRepeatSurviveTheMovingProjection) {
+  // The base's texts appear in its own projection and in the dual's view,
+  // whichever of the two comes first in the library.
+  for (const bool baseFirst : {true, false}) {
+    Library lib;
+    RawTypeInfo base;
+    base.name = "IBase";
+    base.funcs.push_back(Library::TakingA(lib.Desc(vt::kBstr), 5));
+    base.funcs.back().helpString = "help text longer than a short string";
+    base.funcs.back().params[0].name = "parameterWithALongName";
+    base.funcs.back().params[0].defaultValue = platform::TlbValue{vt::kBstr, 0, 0, "a default long enough to allocate"};
+    RawTypeInfo dual;
+    dual.name = "IDual";
+    dual.kind = TypeKind::kDispatch;
+    dual.flags = 0x1140;
+    dual.impls = {{Library::LocalRef(baseFirst ? 0 : 1), 0}};
+    lib.raw.types = baseFirst ? std::vector<RawTypeInfo>{base, dual} : std::vector<RawTypeInfo>{dual, base};
+
+    const TlbLibrary projected = ProjectLibrary(std::move(lib.raw));
+    for (const TlbMember* member : {&projected.types[baseFirst ? 0 : 1].functions.at(0),
+                                    &projected.types[baseFirst ? 1 : 0].functions.at(7)}) {
+      EXPECT_EQ(member->name, "F") << baseFirst;
+      EXPECT_EQ(member->helpString, base.funcs[0].helpString) << baseFirst;
+      EXPECT_EQ(member->params.at(0).name, "parameterWithALongName") << baseFirst;
+      EXPECT_EQ(member->params.at(0).defaultValue.text, "a default long enough to allocate") << baseFirst;
+    }
+  }
+}
+
+TEST(ProjectionRules, LongDualChainsCannotMultiplyTheOutput) {
+  // Each dual derives from the one before; in full the views would repeat
+  // about a million functions.
+  Library lib;
+  const int32_t hresult = lib.Desc(vt::kHresult);
+  for (int32_t i = 0; i < 200; ++i) {
+    RawTypeInfo& dual = lib.Add("IDual" + std::to_string(i), TypeKind::kDispatch);
+    dual.flags = 0x1140;
+    if (i > 0) dual.impls = {{Library::LocalRef(i - 1), 0}};
+    for (int32_t f = 0; f < 50; ++f) dual.funcs.push_back(Library::TakingA(hresult, i * 100 + f));
+  }
+  const TlbLibrary projected = ProjectLibrary(lib.raw);
+  size_t total = 0;
+  for (const auto& type : projected.types) total += type.functions.size();
+  EXPECT_LT(total, 200000u);
+  EXPECT_EQ(projected.types[2].functions.size(), 7u + 3 * 50);  // short chains are whole
+}
+
+TEST(ProjectionRules, EnumValuesAreCutTo32Bits) {
+  Library lib;
+  RawTypeInfo& colors = lib.Add("Colors", TypeKind::kEnum);
+  for (int64_t value : {int64_t{0xFFFFFFFF}, int64_t{0x100000005}, int64_t{-7}}) {
+    colors.vars.push_back(RawVar{0, "v", "", 0, 2, -1, platform::TlbValue{vt::kI8, value, 0, ""}});
+  }
+  const TlbLibrary projected = ProjectLibrary(lib.raw);
+  const auto& variables = projected.types[0].variables;
+  ASSERT_EQ(variables.size(), 3u);
+  EXPECT_EQ(variables[0].value->integer, -1);
+  EXPECT_EQ(variables[1].value->integer, 5);
+  EXPECT_EQ(variables[2].value->integer, -7);
+}
+
+}  // namespace
+}  // namespace sentrune::portable

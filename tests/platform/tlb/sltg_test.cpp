@@ -1,0 +1,388 @@
+// The SLTG reader on the committed sample libraries (sample-variant.tlb
+// stores the same library with the long name table header and the block
+// directory reversed); damaged files give the "can't load" error saying what
+// is wrong, never a crash, a hang or an allocation the size cannot justify.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <random>
+#include <sstream>
+
+#include "platform/tlb/sltg_help.h"
+#include "platform/tlb/sltg_reader.h"
+#include "platform/tlb/typelib_projection.h"
+#include "platform/pe/pe_builder.h"
+#include "runtime/vb_error.h"
+
+namespace sentrune::portable {
+namespace {
+
+namespace fs = std::filesystem;
+namespace vt = platform::vt;
+using Bytes = std::vector<uint8_t>;
+using sentrune::testing::Get16, sentrune::testing::Get32, sentrune::testing::Set16;
+
+// The sample's type infos, in order.
+enum Position : int32_t { kColors, kPoint, kIWidget, kWidget, kIWidgetEvents, kHandle, kWidgetRef, kConstants };
+
+Bytes Fixture(const char* name) {
+  std::ifstream in(fs::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures/sltg" / name, std::ios::binary);
+  EXPECT_TRUE(in) << "missing fixture " << name;
+  return Bytes((std::istreambuf_iterator<char>(in)), {});
+}
+
+RawLibrary Read(const Bytes& bytes) {
+  auto result = ReadSltg(bytes);
+  EXPECT_TRUE(result.ok()) << (result.ok() ? "" : result.error().description);
+  return result.ok() ? std::move(result).value() : RawLibrary{};
+}
+
+size_t Find(const Bytes& bytes, std::string_view text, size_t from = 0) {
+  const Bytes pattern(text.begin(), text.end());
+  const auto found =
+      std::search(bytes.begin() + static_cast<ptrdiff_t>(from), bytes.end(), pattern.begin(), pattern.end());
+  EXPECT_NE(found, bytes.end()) << text;
+  return static_cast<size_t>(found - bytes.begin());
+}
+
+// A minimal writer: one interface whose functions take parameters of the
+// given type words, for shapes the samples do not hold.
+struct Func {
+  std::string name;
+  std::vector<std::pair<std::string, std::vector<uint16_t>>> params;
+};
+
+struct Out {
+  Bytes b;
+  void U8(size_t v) { b.push_back(static_cast<uint8_t>(v)); }
+  void U16(size_t v) { U8(v), U8(v >> 8); }
+  void U32(size_t v) { U16(v & 0xFFFF), U16(v >> 16); }
+  void Words(std::initializer_list<size_t> words) { for (size_t w : words) U16(w); }
+  void Text(std::string_view text) { b.insert(b.end(), text.begin(), text.end()); }
+  void Fill(size_t count, uint8_t v) { b.insert(b.end(), count, v); }
+  void Append(const Out& more) { b.insert(b.end(), more.b.begin(), more.b.end()); }
+};
+
+Bytes BuildInterface(const std::vector<Func>& funcs) {
+  constexpr uint16_t kNone = 0xFFFF;
+  Out names;  // entries: 8 bytes of hash links, then the name
+  std::map<std::string, size_t> named;
+  auto name = [&](const std::string& text) -> size_t {
+    if (text.empty()) return kNone;
+    auto [found, added] = named.try_emplace(text, names.b.size());
+    if (added) names.Fill(8, 0xFF), names.Text(text), names.Fill(2 - text.size() % 2, 0);
+    return found->second;
+  };
+  name("Lib");
+  Out m;  // function records, each followed by its parameters
+  for (size_t i = 0; i < funcs.size(); ++i) {
+    const Func& f = funcs[i];
+    const size_t args = m.b.size() + 22;
+    size_t size = 0;
+    for (const auto& [_, words] : f.params) size += 2 + 2 * words.size();
+    m.Words({0x124C, i + 1 < funcs.size() ? args + size : kNone, name(f.name), 0, 0, 0, kNone, args});
+    m.U8(f.params.size() << 3 | 4), m.U8(0x80);
+    m.Words({vt::kHresult, 0});
+    for (const auto& [param, words] : f.params) {
+      m.U16(name(param) + 1);  // the second letter: the type follows
+      for (uint16_t word : words) m.U16(word);
+    }
+  }
+  Out type;
+  type.U16(0x0501);
+  for (uint32_t word : {0xFFFFFFFFu, 0xFFFFFFFFu, 0x22u, 0xFFFFFFFFu, 0u, 0xFFFE0000u}) type.U32(word);
+  type.U8(2), type.U8(0), type.U8(2), type.U8(static_cast<uint8_t>(TypeKind::kInterface)), type.U32(0);
+  type.Words({1, kNone}), type.U8(1), type.U32(m.b.size());
+  type.Append(m);
+  type.Words({funcs.size(), 0, 0, 0, funcs.empty() ? size_t{kNone} : 0u, kNone, kNone, 0, 0, 0, kNone, kNone, 0, 0,
+              0, 0, 0, 4, 0, 0, 0, kNone, kNone, kNone, kNone, 0, 0});
+  Out library;
+  library.Words({0x51CC, 3, 0, kNone, kNone, kNone, 0, 0, 1, 0x409, 0, 0, 0, 1, 0});
+  library.Fill(16 + 0x40, 0xFF);
+  library.U16(1);
+  library.U16(10), library.Text("AAAAAAAAAA");
+  library.Words({kNone, kNone, name("I"), 0, kNone, 0, 0, kNone});
+  library.Fill(16, 0), library.U16(static_cast<uint16_t>(TypeKind::kInterface));
+  library.U32(library.b.size() + 10), library.U16(1), library.U32(0);  // no help tree
+  library.Words({0xFFFF, 1, 2, 0xFF00, 0xFFFF, 0xFFFF});
+  library.Fill(0x200, 0xFF);
+  library.U32(names.b.size()), library.Append(names), library.U32(0x01FFFF01), library.U32(0);
+
+  Out out;
+  out.Text("SLTG");
+  out.Words({3, 9, 13, 1});
+  out.Fill(16, 0), out.U32(0x44), out.U32(0xFFFF0000);
+  out.U32(type.b.size()), out.Words({13, 2}), out.U32(library.b.size()), out.Words({9, 0});
+  out.Text(std::string_view("\1CompObj\0dir\0AAAAAAAAAA\0", 24));
+  out.Fill(9, 0);
+  out.Append(type), out.Append(library);
+  return out.b;
+}
+
+template <typename... Parts>
+std::string Join(const Parts&... parts) {
+  std::ostringstream out;
+  ((out << parts << '|'), ...);
+  return out.str();
+}
+std::string Text(const RawLibrary& raw, int32_t index) {
+  if (index < 0 || static_cast<size_t>(index) >= raw.typeDescs.size()) return "none";
+  const RawTypeDesc& d = raw.typeDescs[static_cast<size_t>(index)];
+  return Join(d.vt, +static_cast<int>(d.ref.kind), d.ref.localIndex, d.ref.importedName, Text(raw, d.element));
+}
+std::string Text(const std::optional<platform::TlbValue>& v) {
+  return v ? Join(v->vt, v->integer, v->real, v->text) : "";
+}
+
+// Every stored fact of a decoded library, one line per item.
+std::vector<std::string> Facts(const RawLibrary& raw) {
+  std::vector<std::string> lines = {Join(raw.name, raw.helpString, raw.guid, raw.majorVersion, raw.minorVersion)};
+  for (const RawTypeInfo& t : raw.types) {
+    lines.push_back(Join(t.name, t.helpString, t.guid, +static_cast<int>(t.kind), t.flags, t.vtableSize,
+                         +t.pointerSize, Text(raw, t.aliasType)));
+    for (const RawImpl& impl : t.impls) lines.push_back(Join(" impl", impl.ref.localIndex, impl.flags));
+    for (const RawFunc& f : t.funcs) {
+      lines.push_back(Join(" func", f.memberId, f.name, f.helpString, +f.funcKind, +f.invokeKind, f.flags,
+                           f.vtableOffset, f.optionalCount, Text(raw, f.returnType)));
+      for (const RawParam& p : f.params) lines.push_back(Join("  ", p.name, p.flags, Text(raw, p.type)));
+    }
+    for (const RawVar& v : t.vars) {
+      lines.push_back(
+          Join(" var", v.memberId, v.name, v.helpString, +v.varKind, v.flags, Text(raw, v.type), Text(v.value)));
+    }
+  }
+  return lines;
+}
+
+TEST(SltgReader, DecodesTheCommittedSamplesAlike) {
+  const RawLibrary raw = Read(Fixture("sample.tlb"));
+  EXPECT_EQ(Facts(Read(Fixture("sample-variant.tlb"))), Facts(raw));
+  EXPECT_EQ(raw.name, "Widgets");
+  EXPECT_EQ(raw.helpString, "Widget library \xC2\xA9 2001");
+  EXPECT_EQ(raw.guid, "{C6A8E0F2-1B3D-4F5A-9C7E-8D0B2A4C6E81}");
+  ASSERT_EQ(raw.types.size(), 8u);
+  EXPECT_EQ(raw.types[kColors].helpString, "Palette colours of a widget");
+  const auto& colors = raw.types[kColors].vars;
+  ASSERT_EQ(colors.size(), 4u);
+  EXPECT_EQ(colors[1].helpString, "The green one");
+  EXPECT_EQ(colors[2].value->integer, 100000);  // stored apart from the record
+  EXPECT_EQ(colors[3].value->integer, -1);
+  const RawTypeInfo& widget = raw.types[kIWidget];
+  EXPECT_EQ(widget.kind, TypeKind::kDispatch);  // a dual, presented as MSFT stores one
+  EXPECT_EQ(widget.pointerSize, 4);
+  ASSERT_EQ(widget.funcs.size(), 7u);
+  EXPECT_EQ(widget.funcs[0].helpString, "The name of the widget");
+  EXPECT_EQ(widget.funcs[2].optionalCount, 1);
+  EXPECT_EQ(widget.funcs[2].params.at(2).flags, 1 | 0x10);  // optional from the count
+  EXPECT_EQ(widget.funcs[2].params.at(1).name, "height");   // its type stored elsewhere
+  EXPECT_EQ(widget.funcs[5].optionalCount, -1);             // vararg
+  EXPECT_EQ(raw.types[kWidgetRef].kind, TypeKind::kAlias);
+  const RawTypeInfo& constants = raw.types[kConstants];
+  ASSERT_EQ(constants.vars.size(), 6u);
+  EXPECT_EQ(constants.vars[0].value->real, 3.14159);
+  EXPECT_EQ(constants.vars[1].value->text, "Caf\xC3\xA9 \"open\"");
+  EXPECT_EQ(constants.vars[2].value->integer, int64_t{0xF0000000});
+  EXPECT_EQ(constants.vars[5].name, "Yes");  // stored as "same name as the previous"
+  EXPECT_EQ(constants.vars[5].flags, 0x41);
+
+  // A win64 library says so in its system kind.
+  Bytes win64 = Fixture("sample.tlb");
+  Set16(win64, Find(win64, "\xA9 2001") + 6 + 6, 3);  // after the help file and help context
+  EXPECT_EQ(Read(win64).types.at(kIWidget).pointerSize, 8);
+}
+
+TEST(SltgReader, NamesKnownImportsAndProjectsTheDualAsItsDispatchView) {
+  const RawLibrary raw = Read(Fixture("sample.tlb"));
+  const RawRef& dispatch = raw.types[kIWidget].impls.at(0).ref;
+  EXPECT_EQ(dispatch.importedName, "IDispatch");
+  EXPECT_EQ(dispatch.importedGuid, "{00020400-0000-0000-C000-000000000046}");
+  const RawRef& foreign = raw.types[kWidget].impls.at(2).ref;  // from a library that is not stdole
+  EXPECT_EQ(foreign.kind, RawRef::Kind::kImported);
+  EXPECT_EQ(foreign.importedName, "");
+
+  const platform::TlbLibrary projected = ProjectLibrary(raw);
+  const platform::TlbTypeInfo& dual = projected.types.at(kIWidget);
+  EXPECT_EQ(dual.kind, "dispatch");
+  ASSERT_EQ(dual.functions.size(), 7u + 7u);
+  EXPECT_EQ(dual.functions[7].name, "Name");
+  EXPECT_EQ(dual.functions[7].type.code, vt::kBstr);  // the [retval] became the return
+  EXPECT_TRUE(dual.functions[7].params.empty());
+  EXPECT_EQ(projected.types.at(kWidget).defaultInterface, kIWidget);
+  EXPECT_EQ(projected.types.at(kWidget).defaultSource, kIWidgetEvents);
+}
+
+// Where each block lies, in directory order.
+struct Layout {
+  std::vector<size_t> start, length;
+  size_t typeTail(size_t type) const { return start[type] + length[type] - 0x36; }
+  size_t typeMembers(const Bytes& bytes, size_t type) const {
+    return start[type] + Get32(bytes, start[type] + 0x0A) + 9;
+  }
+  size_t library() const { return start.back(); }
+};
+
+Layout LayoutOf(const Bytes& bytes) {
+  const size_t entries = Get16(bytes, 4) - 1u;
+  size_t at = 0x24 + entries * 8 + 13 + 11 * (entries - 1) + 9;
+  Layout layout;
+  for (size_t i = 0; i < entries; ++i) {
+    layout.start.push_back(at);
+    layout.length.push_back(Get32(bytes, 0x24 + i * 8));
+    at += layout.length.back();
+  }
+  return layout;
+}
+
+// Reads and, when that works, projects; a failure must be the "can't load"
+// error with a description.
+bool ReadsOrFailsCleanly(const Bytes& bytes) {
+  auto raw = ReadSltg(bytes);
+  if (raw.ok()) {
+    (void)ProjectLibrary(raw.value());
+    return true;
+  }
+  EXPECT_EQ(raw.error().number, rt::errnum::kCantLoadTypeLibrary);
+  EXPECT_FALSE(raw.error().description.empty());
+  return false;
+}
+
+void ExpectFailure(const Bytes& bytes, std::string_view reason) {
+  auto raw = ReadSltg(bytes);
+  ASSERT_FALSE(raw.ok()) << "expected: " << reason;
+  EXPECT_EQ(raw.error().number, rt::errnum::kCantLoadTypeLibrary);
+  EXPECT_NE(raw.error().description.find(reason), std::string::npos) << raw.error().description;
+}
+
+TEST(SltgRobustness, NamesTheDefectOfADamagedFile) {
+  const Bytes good = Fixture("sample.tlb");
+  const Layout layout = LayoutOf(good);
+  const size_t typeCount = Find(good, std::string(0x40, '\xFF'), layout.library()) + 0x40;
+  const size_t firstFunc = layout.typeMembers(good, kIWidget) + Get16(good, layout.typeTail(kIWidget) + 8);
+  const std::pair<std::function<void(Bytes&)>, const char*> damages[] = {
+      {[](Bytes& b) { b[0] = 'M'; }, "does not start with \"SLTG\""},
+      {[](Bytes& b) { Set16(b, 0x24 + 8 + 6, 2); }, "the block chain loops"},  // block 2 is its own next
+      {[](Bytes& b) { Set16(b, 0x0A, 99); }, "names entry 99"},
+      {[](Bytes& b) { b[Find(b, "AAAAAAAAAA")] = 'Z'; }, "names the block \"AAAAAAAAAA\", which is missing or taken"},
+      {[&](Bytes& b) { Set16(b, layout.library(), 0x1234); }, "is not the library block"},
+      {[&](Bytes& b) { Set16(b, typeCount, 0xFFFF); }, "65535 type infos do not fit"},
+      {[&](Bytes& b) { Set16(b, layout.start[kColors], 0x0777); }, "is not a type info"},
+      {[&](Bytes& b) { b[layout.start[kPoint] + 0x1D] = 9; }, "unknown type kind 9"},
+      {[&](Bytes& b) { b[firstFunc] = 0x11; }, "unknown function kind 0x11"},
+      {[&](Bytes& b) { Set16(b, layout.typeTail(kIWidget), 0xFFFF); }, "65535 functions do not fit"},
+      {[&](Bytes& b) { b[layout.typeMembers(good, kColors)] = 0x0B; }, "unknown variable kind 0xB"},
+      {[](Bytes& b) { b[Find(b, "*\\Rffff*#") + 2] = 'X'; }, "is not of the form *\\R<lib>*#<n>"},
+      {[](Bytes& b) { b[Find(b, "*\\G{") + 3] = '('; }, "is not of the form *\\G{guid}"},
+      {[&](Bytes& b) { Set16(b, layout.typeTail(kWidgetRef) + 0x14, 0x7FF0); }, "outside the member area"},
+  };
+  for (const auto& [damage, reason] : damages) {
+    Bytes bytes = good;
+    damage(bytes);
+    ExpectFailure(bytes, reason);
+  }
+}
+
+TEST(SltgRobustness, LimitsHowDeepATypeNests) {
+  for (size_t depth : {30, 40}) {
+    std::vector<uint16_t> words(depth, vt::kPtr);
+    words.push_back(vt::kI4);
+    const Bytes bytes = BuildInterface({{"Get", {{"p", words}}}});
+    if (depth > 32) {
+      ExpectFailure(bytes, "nests deeper than 32 levels");
+    } else {
+      EXPECT_EQ(Read(bytes).types.at(0).funcs.at(0).params.at(0).name, "p");
+    }
+  }
+}
+
+// Records may share bytes, so a small file could describe a huge library:
+// here 2000 functions each claim the same list of 31 parameters.
+TEST(SltgRobustness, RefusesToAmplifySharedRecords) {
+  std::vector<Func> funcs(2000);
+  for (int i = 0; i < 31; ++i) funcs[0].params.push_back({"p" + std::to_string(i), {vt::kI4}});
+  Bytes bytes = BuildInterface(funcs);
+  ASSERT_EQ(Read(bytes).types.at(0).funcs.size(), 2000u);
+
+  const Layout layout = LayoutOf(bytes);
+  const size_t members = layout.typeMembers(bytes, 0);
+  const size_t first = members + Get16(bytes, layout.typeTail(0) + 8);
+  for (size_t func = members + Get16(bytes, first + 2); func != members + 0xFFFF;
+       func = members + Get16(bytes, func + 2)) {
+    Set16(bytes, func + 0x0E, Get16(bytes, first + 0x0E));
+    bytes[func + 0x10] = bytes[first + 0x10];
+  }
+  ExpectFailure(bytes, "more often than its size justifies");
+}
+
+TEST(SltgRobustness, FailsCleanlyAtEveryTruncationAndByteChange) {
+  for (const char* name : {"sample.tlb", "sample-variant.tlb"}) {
+    SCOPED_TRACE(name);
+    const Bytes good = Fixture(name);
+    const Layout layout = LayoutOf(good);
+    // Everything up to the end of the library block is needed; what follows is not read.
+    const size_t needed = layout.library() + layout.length.back() - 8;
+    for (size_t size = 0; size < good.size(); size += 97) {
+      const bool read = ReadsOrFailsCleanly(Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(size)));
+      EXPECT_TRUE(size >= needed || !read) << "truncated to " << size;
+    }
+    std::mt19937 random(20240611);
+    std::uniform_int_distribution<size_t> position(0, good.size() - 1);
+    std::uniform_int_distribution<int> value(0, 255), changes(1, 4);
+    int failures = 0;
+    for (int round = 0; round < 1500; ++round) {
+      Bytes bytes = good;
+      for (int i = changes(random); i > 0; --i) bytes[position(random)] = static_cast<uint8_t>(value(random));
+      if (!ReadsOrFailsCleanly(bytes)) ++failures;
+    }
+    // Most changed bytes land in data no reader checks (names, help bits,
+    // reserved fields); a fair share must still be caught.
+    EXPECT_GT(failures, 50);
+  }
+}
+
+TEST(SltgRobustness, FuzzFindingsStayFixed) {
+  const fs::path folder = fs::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures/fuzz/sltg";
+  if (!fs::exists(folder)) GTEST_SKIP() << "no fuzz findings recorded";
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    SCOPED_TRACE(entry.path().filename().string());
+    std::ifstream in(entry.path(), std::ios::binary);
+    ReadsOrFailsCleanly(Bytes((std::istreambuf_iterator<char>(in)), {}));
+  }
+}
+
+std::string DecodeHelp(const Bytes& tree, const Bytes& bits, uint64_t budgetUnits = 1 << 20) {
+  sltg::Budget budget(budgetUnits);
+  sltg::HelpDecoder decoder(sltg::Region(ByteReader(tree), "help tree"), budget);
+  return decoder.Decode(ByteReader(bits));
+}
+
+TEST(SltgHelpStrings, FollowsEachByteFromItsHighestBit) {
+  // Root: the 1-branch is the leaf "alpha"; the 0-branch (at 10) is a node
+  // whose 1-branch is "caf\xE9" and whose 0-branch (at 19) ends the string.
+  // Codes: alpha 1, café 01, end 00.
+  const Bytes tree = {0x80, 0x00, 0x0A, 0x00, 'a', 'l', 'p', 'h', 'a', 0x00,
+                      0x80, 0x00, 0x13, 0x00, 'c', 'a', 'f', 0xE9, 0x00, 0x00, 0x00};
+  EXPECT_EQ(DecodeHelp(tree, {0x68}), "caf\xC3\xA9 alpha caf\xC3\xA9");  // 01 1 01 00
+  // Running out of bits ends the string as the end word does.
+  EXPECT_EQ(DecodeHelp(tree, {0xFF}), "alpha alpha alpha alpha alpha alpha alpha alpha");
+  EXPECT_EQ(DecodeHelp({}, {0x68}), "");  // a library without a tree
+}
+
+TEST(SltgHelpStrings, StopsOrFailsOnHostileTrees) {
+  // A 0-branch back to the root spends every bit without a word.
+  const Bytes loop = {0x80, 0x00, 0x00, 0x00, 'w', 0x00};
+  const Bytes zeros(4096, 0);
+  EXPECT_EQ(DecodeHelp(loop, zeros), "");
+  EXPECT_THROW(DecodeHelp(loop, zeros, 1000), sltg::SltgError);  // more bits than the budget allows
+  // A tree that is one leaf gives its word once, not forever.
+  EXPECT_EQ(DecodeHelp({0x00, 'o', 'n', 'e', 0x00}, zeros), "one");
+  // Branches and words must stay inside the tree.
+  EXPECT_THROW(DecodeHelp({0x80, 0x7F, 0xFF}, zeros), sltg::SltgError);
+  EXPECT_THROW(DecodeHelp({0x80, 0x00, 0x00, 0x00, 'w'}, {0xFF}), sltg::SltgError);
+}
+
+}  // namespace
+}  // namespace sentrune::portable
