@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "host_fixtures.h"
+#include "support/temp_folder.h"
 
 namespace sentrune::posix {
 namespace {
 
-using test::ScopedEnv;
-using test::TempFolder;
+using testing::ScopedEnv;
+using testing::TempFolder;
 
 // A prefix laid out as Wine lays it out: relative and absolute links, the
 // raw-device and port entries that must not become drives, a broken link.

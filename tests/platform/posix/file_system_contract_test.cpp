@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host_fixtures.h"
+#include "support/temp_folder.h"
 #include "platform/posix/posix_file_system.h"
 #include "support/fake_file_system.h"
 
@@ -22,7 +22,7 @@ struct FakeStore {
 };
 
 struct HostStore {
-  posix::test::TempFolder folder;
+  sentrune::testing::TempFolder folder;
   posix::PosixFileSystem fs{posix::DriveMap::Build("", {{'T', folder.path()}})};
 };
 

@@ -4,14 +4,14 @@
 #include <unistd.h>
 
 
-#include "host_fixtures.h"
+#include "support/temp_folder.h"
 #include "platform/posix/user_dirs.h"
 
 namespace sentrune::posix {
 namespace {
 
-using test::ScopedEnv;
-using test::TempFolder;
+using testing::ScopedEnv;
+using testing::TempFolder;
 
 TEST(UserDirs, ParsesTheFreedesktopFile) {
   const std::string text =

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "host_fixtures.h"
+#include "support/temp_folder.h"
 #include "platform/posix/file_watch_posix.h"
 #include "platform/posix/short_names.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 class PosixFiles : public ::testing::Test {
  protected:
-  test::TempFolder root_;
+  testing::TempFolder root_;
   PosixFileSystem fs_{DriveMap::Build("", {{'T', root_.path()}})};
 };
 
@@ -57,7 +57,7 @@ TEST_F(PosixFiles, DotFilesAreHiddenAndReadOnlyIsTheOwnersWriteBit) {
 }
 
 TEST_F(PosixFiles, TimesAreLocalTime) {
-  test::ScopedEnv zone("TZ", "CET-1");  // one hour east of UTC, no daylight saving in January
+  testing::ScopedEnv zone("TZ", "CET-1");  // one hour east of UTC, no daylight saving in January
   root_.Write("built.dll");
   ASSERT_TRUE(fs_.SetLastWriteTime("T:\\built.dll", rt::DateTime{2004, 1, 15, 12, 0, 0}).ok());
   struct stat st {};
@@ -78,7 +78,7 @@ TEST_F(PosixFiles, HostPathsUseTheStoredSpellingAndKeepNewNames) {
 }
 
 TEST(InotifyFileWatch, ReportsWrittenAndMovedInFilesOnce) {
-  test::TempFolder temp;
+  testing::TempFolder temp;
   temp.MakeFolder("sub");
   auto watch = InotifyFileWatch::Create();
   ASSERT_TRUE(watch.ok());

@@ -1,5 +1,5 @@
 #pragma once
-// Host resources the platform tests borrow and give back: a fresh temporary
+// Host resources tests borrow and give back: a fresh temporary
 // folder and environment variables set for the length of one test.
 #include <stdlib.h>
 #include <time.h>
@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-namespace sentrune::posix::test {
+namespace sentrune::testing {
 
 class TempFolder {
  public:
@@ -58,4 +58,4 @@ class ScopedEnv {
   std::optional<std::string> old_;
 };
 
-}  // namespace sentrune::posix::test
+}  // namespace sentrune::testing
