@@ -3,19 +3,13 @@
 #include <ostream>
 
 #include "host/connect.h"
+#include "host_platform.h"
 #include "platform/headless/headless_ide.h"
 #include "session.h"
 #include "workflow/build_report.h"
 
 namespace sentrune::cli {
 namespace {
-
-// Quotes one argument for /bin/sh.
-std::string ShellQuote(const std::string& arg) {
-  std::string quoted = "'";
-  for (char c : arg) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
 
 bool IsFile(platform::FileSystem& files, const std::string& path) {
   const rt::Result<uint32_t> attributes = files.GetAttributes(path);
@@ -27,8 +21,7 @@ int16_t WriteComponent(Session& session, const BuildArgs& args, const std::strin
                        const std::string& buildFile) {
   platform::FileSystem& files = session.state().files();
   if (!args.command.empty()) {
-    std::string commandLine;
-    for (const std::string& arg : args.command) commandLine += (commandLine.empty() ? "" : " ") + ShellQuote(arg);
+    const std::string commandLine = session.host().CommandLine(args.command);
     const std::optional<rt::DateTime> before =
         IsFile(files, buildFile) ? std::optional(*files.GetLastWriteTime(buildFile)) : std::nullopt;
     const rt::Result<int> status = session.state().env().Programs().Run(commandLine);
@@ -70,6 +63,7 @@ void PrintReport(std::ostream& out, const BuildReport& report) {
 }  // namespace
 
 void RunBuild(Session& session, const BuildArgs& args) {
+  if (!session.Ready()) return;
   if (args.component.empty() == args.command.empty()) {
     session.Fail("build needs either --component FILE or -- COMMAND ARGS...");
     return;

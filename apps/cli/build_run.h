@@ -13,9 +13,9 @@ struct BuildArgs {
   std::vector<std::string> command;  // or the command that writes it
 };
 
-// Opens the project, fires the IDE's before-write event, writes the
-// component, fires the after-write event, saves the project when the add-in
-// changed it, and prints what happened. Sets session.exitCode.
+// Opens the session and the project, fires the IDE's before-write event,
+// writes the component, fires the after-write event, saves the project when
+// the add-in changed it, and prints what happened. Sets session.exitCode.
 void RunBuild(Session& session, const BuildArgs& args);
 
 }  // namespace sentrune::cli

@@ -1,6 +1,7 @@
 #include "cli_main.h"
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <iostream>
 
 #include "commands.h"
@@ -43,30 +44,18 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& global) {
 
 }  // namespace
 
-int Main(int argc, char** argv) { return Run(argc, argv, std::cin, std::cout, std::cerr); }
+int Main(HostPlatform& host, int argc, char** argv) { return Run(host, argc, argv, std::cin, std::cout, std::cerr); }
 
-int Run(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
-  Session session(in, out, err);
+int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in, std::ostream& out,
+        std::ostream& err) {
+  Session session(host, in, out, err);
   CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
   app.footer(std::string(kFooter) + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
   AddGlobalOptions(app, session.global);
-  AddOptionsCommand(app, session);
-  AddBuildCommand(app, session);
-  AddDemoCommand(app, session);
-  AddInspectCommand(app, session);
-  AddCompareCommand(app, session);
-  AddRefsCommand(app, session);
-  AddFixPathsCommand(app, session);
-  AddSnapshotCommand(app, session);
-  AddTimesCommand(app, session);
-  AddWatchCommand(app, session);
-  AddFixAssociationsCommand(app, session);
-  AddVerifyCommand(app, session);
-  AddVerifyClassCommand(app, session);
-  AddAlignControlCommand(app, session);
-  AddDetailsCommand(app, session);
+  for (const Command& command : Commands())
+    command.setUp(*app.add_subcommand(command.name, command.help), session);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -1,7 +1,5 @@
 // `sentrune compare`: the viewer's comparison of a new build (A) with its
 // model (B), with a verdict a build script can act on.
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -41,7 +39,7 @@ void PrintJson(Session& session, const std::vector<TlbDifference>& differences, 
 }
 
 void Compare(Session& session, const CompareArgs& args) {
-  if (const rt::Status opened = session.Open(); !opened.ok()) return session.Fail(opened.error().description);
+  if (!session.Ready()) return;
   clsParseTLB a(session.state());
   clsParseTLB b(session.state());
   if (!ReadModel(session, args.fileA, a) || !ReadModel(session, args.fileB, b)) return;
@@ -62,27 +60,25 @@ void Compare(Session& session, const CompareArgs& args) {
 
 }  // namespace
 
-void AddCompareCommand(CLI::App& app, Session& session) {
-  CLI::App* compare = app.add_subcommand("compare", "Compare a new build's type library (A) with its model (B)");
-  compare->footer(
+void SetUpCompare(CLI::App& command, Session& session) {
+  command.footer(
       "Lists what the model has and the build lacks, then what the build adds, and judges\n"
       "the build: identical, compatible (it only adds, or differs in the library's help\n"
       "string or version) or incompatible. Defaults for --ignore-minor and --details are\n"
       "the comparison viewer's stored check marks.\n"
       "Exit status: 0 nothing differs (with --fail-on incompatible: not incompatible),\n"
       "1 something differs, 2 a file cannot be read.");
-  auto args = std::make_shared<CompareArgs>();
-  compare->add_option("a", args->fileA, "The new build")->required();
-  compare->add_option("b", args->fileB, "The model to compare with")->required();
-  auto* ignore = compare->add_flag("--ignore-minor", args->ignoreMinor, "Skip the library's help string and version");
-  compare->add_flag("--no-ignore-minor", args->noIgnoreMinor, "Compare the library's help string and version")
+  CompareArgs& args = RunWith(command, session, Compare);
+  command.add_option("a", args.fileA, "The new build")->required();
+  command.add_option("b", args.fileB, "The model to compare with")->required();
+  auto* ignore = command.add_flag("--ignore-minor", args.ignoreMinor, "Skip the library's help string and version");
+  command.add_flag("--no-ignore-minor", args.noIgnoreMinor, "Compare the library's help string and version")
       ->excludes(ignore);
-  compare->add_flag("--details", args->details, "Show both values of library-level differences");
-  compare->add_flag("--json", args->json, "Print {count, level, differences} as JSON");
-  compare->add_option("--fail-on", args->failOn, "What makes the exit status 1")
+  command.add_flag("--details", args.details, "Show both values of library-level differences");
+  command.add_flag("--json", args.json, "Print {count, level, differences} as JSON");
+  command.add_option("--fail-on", args.failOn, "What makes the exit status 1")
       ->check(CLI::IsMember({"any", "incompatible"}))
       ->type_name("any|incompatible");
-  compare->callback([&session, args] { Compare(session, *args); });
 }
 
 }  // namespace sentrune::cli

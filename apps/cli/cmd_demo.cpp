@@ -1,5 +1,5 @@
 // `sentrune demo`: the Widgets example's story, played in a temporary copy.
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <ostream>
@@ -104,13 +104,10 @@ void RunDemo(Session& session, const DemoArgs& args) {
 
 }  // namespace
 
-void AddDemoCommand(CLI::App& app, Session& session) {
-  auto args = std::make_shared<DemoArgs>();
-  CLI::App* demo = app.add_subcommand(
-      "demo", "Play three builds of the Widgets example in a temporary copy and show what happens");
-  demo->add_option("--example", args->example, "The example's folder")->type_name("DIR");
-  demo->add_flag("--keep", args->keep, "Keep the temporary copy to look at afterwards");
-  demo->callback([&session, args] { RunDemo(session, *args); });
+void SetUpDemo(CLI::App& command, Session& session) {
+  DemoArgs& args = RunWith(command, session, RunDemo);
+  command.add_option("--example", args.example, "The example's folder")->type_name("DIR");
+  command.add_flag("--keep", args.keep, "Keep the temporary copy to look at afterwards");
 }
 
 }  // namespace sentrune::cli

@@ -1,7 +1,5 @@
 // `sentrune fix-paths`: makes the absolute paths on a project file's own
 // drive relative to it, after backing the file up.
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <ostream>
 
 #include "commands.h"
@@ -42,7 +40,7 @@ void Conclude(Session& session, const PathFixResult& result, const std::string& 
 }
 
 void FixPaths(Session& session, const std::string& argument) {
-  if (const rt::Status opened = session.Open(); !opened.ok()) return session.Fail(opened.error().description);
+  if (!session.Ready()) return;
   const rt::Result<std::string> path = session.ToWindowsPath(argument);
   if (!path.ok()) return session.Fail(path.error().description);
   if (!lfncFileExists(session.state().files(), *path))
@@ -52,14 +50,11 @@ void FixPaths(Session& session, const std::string& argument) {
 
 }  // namespace
 
-void AddFixPathsCommand(CLI::App& app, Session& session) {
-  CLI::App* fix = app.add_subcommand("fix-paths", "Make absolute paths in a project file relative to it");
-  fix->footer(
+void SetUpFixPaths(CLI::App& command, Session& session) {
+  command.footer(
       "Only paths on the project's own drive, to files that exist, are rewritten. The file is\n"
       "backed up into its backup folder first and left alone when that backup fails.");
-  auto file = std::make_shared<std::string>();
-  fix->add_option("project", *file, "The .vbp file")->required();
-  fix->callback([&session, file] { FixPaths(session, *file); });
+  command.add_option("project", RunWith(command, session, FixPaths), "The .vbp file")->required();
 }
 
 }  // namespace sentrune::cli

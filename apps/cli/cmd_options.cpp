@@ -1,5 +1,4 @@
 // `sentrune options`: the options dialog on the command line.
-#include <CLI/CLI.hpp>
 #include <ostream>
 
 #include "commands.h"
@@ -19,6 +18,7 @@ struct OptionsArgs {
 // The dialog's grid, with each row's store key added as a last column so
 // that the user sees what `options set` takes.
 void ShowGrid(Session& session) {
+  if (!session.Ready()) return;
   frmOptions form(session.options());
   form.Open();
   platform::FormView view = form.View();
@@ -31,6 +31,7 @@ void ShowGrid(Session& session) {
 }
 
 void SetOne(Session& session, const OptionsArgs& args) {
+  if (!session.Ready()) return;
   frmOptions form(session.options());
   form.Open();
   if (const rt::Status set = form.SetValue(args.key, args.value); !set.ok()) {
@@ -45,6 +46,7 @@ void SetOne(Session& session, const OptionsArgs& args) {
 }
 
 void Reset(Session& session) {
+  if (!session.Ready()) return;
   frmOptions form(session.options());
   form.Open();
   form.ResetToStartValues();
@@ -57,28 +59,20 @@ void Reset(Session& session) {
 
 }  // namespace
 
-void AddOptionsCommand(CLI::App& app, Session& session) {
-  CLI::App* options = app.add_subcommand(
-      "options", "Show the options grid; 'set' changes one option, 'reset' restores the start values");
-  options->footer(
+void SetUpOptions(CLI::App& command, Session& session) {
+  command.footer(
       "Keys are the store keys: per project type ActiveX_DLL_CreateBackup and the like\n"
       "(prefixes Standard_EXE, ActiveX_EXE, ActiveX_DLL, ActiveX_OCX), general options by\n"
       "name (BackupFileCount). Yes/No options take Yes or No; step options Yes, No or Prompt.");
-  auto args = std::make_shared<OptionsArgs>();
-  CLI::App* set = options->add_subcommand("set", "Change one option: KEY VALUE");
-  set->add_option("key", args->key, "The option's store key")->required();
-  set->add_option("value", args->value, "Its new value")->required();
-  CLI::App* reset = options->add_subcommand("reset", "Write every option's start value again");
-  options->require_subcommand(0, 1);
-
-  set->callback([&session, args] {
-    if (session.Ready()) SetOne(session, *args);
-  });
-  reset->callback([&session] {
-    if (session.Ready()) Reset(session);
-  });
-  options->callback([&session, options] {
-    if (options->get_subcommands().empty() && session.Ready()) ShowGrid(session);
+  CLI::App* set = command.add_subcommand("set", "Change one option: KEY VALUE");
+  OptionsArgs& args = RunWith(*set, session, SetOne);
+  set->add_option("key", args.key, "The option's store key")->required();
+  set->add_option("value", args.value, "Its new value")->required();
+  command.add_subcommand("reset", "Write every option's start value again")->callback([&session] { Reset(session); });
+  command.require_subcommand(0, 1);
+  // Runs after the chosen subcommand, if any.
+  command.callback([&session, &command] {
+    if (command.get_subcommands().empty()) ShowGrid(session);
   });
 }
 

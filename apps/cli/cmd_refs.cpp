@@ -1,7 +1,5 @@
 // `sentrune refs`: the reference list of a project or of every project of a
 // group, as text columns or saved as a CSV file.
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <ostream>
 
 #include "commands.h"
@@ -38,7 +36,7 @@ void SaveCsv(Session& session, ReferenceList& list, const std::string& argument)
 }
 
 void Refs(Session& session, const RefsArgs& args) {
-  if (const rt::Status opened = session.Open(); !opened.ok()) return session.Fail(opened.error().description);
+  if (!session.Ready()) return;
   const rt::Result<std::string> path = session.ToWindowsPath(args.file);
   if (!path.ok()) return session.Fail(path.error().description);
   AddinState& state = session.state();
@@ -57,16 +55,14 @@ void Refs(Session& session, const RefsArgs& args) {
 
 }  // namespace
 
-void AddRefsCommand(CLI::App& app, Session& session) {
-  CLI::App* refs = app.add_subcommand("refs", "List the references of a project or of every project of a group");
-  refs->footer(
+void SetUpRefs(CLI::App& command, Session& session) {
+  command.footer(
       "Without --project a group lists every project's references in turn.\n"
       "--csv writes the list (header row first) to OUT, replacing it, and prints its name.");
-  auto args = std::make_shared<RefsArgs>();
-  refs->add_option("file", args->file, "The .vbp or .vbg file")->required();
-  refs->add_option("--project", args->project, "List only this project's references")->type_name("NAME");
-  refs->add_option("--csv", args->csv, "Save the list as CSV")->type_name("OUT");
-  refs->callback([&session, args] { Refs(session, *args); });
+  RefsArgs& args = RunWith(command, session, Refs);
+  command.add_option("file", args.file, "The .vbp or .vbg file")->required();
+  command.add_option("--project", args.project, "List only this project's references")->type_name("NAME");
+  command.add_option("--csv", args.csv, "Save the list as CSV")->type_name("OUT");
 }
 
 }  // namespace sentrune::cli

@@ -1,6 +1,4 @@
 // `sentrune snapshot`: the menu's project snapshot for one project file.
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <ostream>
 
 #include "commands.h"
@@ -35,15 +33,12 @@ void TakeSnapshot(Session& session, const std::string& argument) {
 
 }  // namespace
 
-void AddSnapshotCommand(CLI::App& app, Session& session) {
-  CLI::App* snapshot = app.add_subcommand("snapshot", "Copy a project's source files into a dated folder");
-  snapshot->footer(
+void SetUpSnapshot(CLI::App& command, Session& session) {
+  command.footer(
       "The project file and every source file it names are copied, in their places relative to\n"
       "the project folder, into \"<name> <date>\" beside the project (or under the base folder\n"
       "chosen last time). Files named outside the project folder go under \"_outside\".");
-  auto file = std::make_shared<std::string>();
-  snapshot->add_option("project", *file, "The .vbp file")->required();
-  snapshot->callback([&session, file] { TakeSnapshot(session, *file); });
+  command.add_option("project", RunWith(command, session, TakeSnapshot), "The .vbp file")->required();
 }
 
 }  // namespace sentrune::cli

@@ -1,7 +1,5 @@
 // `sentrune inspect`: one component's type library as the viewer's tree, as
 // JSON, as the XML export or as IDL.
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <ostream>
 
 #include "commands.h"
@@ -23,14 +21,12 @@ struct InspectArgs {
   std::string xmlOut;
 };
 
-
 void PrintTree(std::ostream& out, const std::vector<platform::TreeNode>& nodes, size_t depth) {
   for (const platform::TreeNode& node : nodes) {
     out << std::string(depth * 2, ' ') << node.text << '\n';
     PrintTree(out, node.children, depth + 1);
   }
 }
-
 
 void WriteXml(Session& session, const clsParseTLB& model, const std::string& out) {
   std::string target;
@@ -54,7 +50,7 @@ void WriteIdl(Session& session, const clsParseTLB& model) {
 }
 
 void Inspect(Session& session, const InspectArgs& args) {
-  if (const rt::Status opened = session.Open(); !opened.ok()) return session.Fail(opened.error().description);
+  if (!session.Ready()) return;
   clsParseTLB model(session.state());
   if (!ReadModel(session, args.file, model)) return;
   if (args.json) {
@@ -72,21 +68,19 @@ void Inspect(Session& session, const InspectArgs& args) {
 
 }  // namespace
 
-void AddInspectCommand(CLI::App& app, Session& session) {
-  CLI::App* inspect = app.add_subcommand("inspect", "Show a component's type library as the viewer's tree");
-  inspect->footer(
+void SetUpInspect(CLI::App& command, Session& session) {
+  command.footer(
       "FILE is a .dll, .ocx, .exe, .tlb or .olb; FILE\\N reads TYPELIB resource N.\n"
       "--xml writes FILE.xml (or OUT) and prints its name; --idl prints IDL (Windows-1252) that widl compiles.");
-  auto args = std::make_shared<InspectArgs>();
-  inspect->add_option("file", args->file, "The component file")->required();
-  auto* json = inspect->add_flag("--json", args->json, "Print the model as JSON");
-  args->xml = inspect->add_option("--xml", args->xmlOut, "Write the tree as XML (to OUT)")
-                  ->expected(0, 1)
-                  ->type_name("[OUT]");
-  auto* idl = inspect->add_flag("--idl", args->idl, "Print the library as IDL");
-  json->excludes(args->xml)->excludes(idl);
-  args->xml->excludes(idl);
-  inspect->callback([&session, args] { Inspect(session, *args); });
+  InspectArgs& args = RunWith(command, session, Inspect);
+  command.add_option("file", args.file, "The component file")->required();
+  auto* json = command.add_flag("--json", args.json, "Print the model as JSON");
+  args.xml = command.add_option("--xml", args.xmlOut, "Write the tree as XML (to OUT)")
+                 ->expected(0, 1)
+                 ->type_name("[OUT]");
+  auto* idl = command.add_flag("--idl", args.idl, "Print the library as IDL");
+  json->excludes(args.xml)->excludes(idl);
+  args.xml->excludes(idl);
 }
 
 }  // namespace sentrune::cli

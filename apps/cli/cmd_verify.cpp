@@ -1,9 +1,10 @@
 // `sentrune verify`, `verify-class`, `add-align-control` and `details`: the
 // installation verifier and the commands that insert its sources.
-#include <CLI/CLI.hpp>
+#include <memory>
 #include <ostream>
 
 #include "commands.h"
+#include "host_platform.h"
 #include "platform/headless/headless_ide.h"
 #include "runtime/text.h"
 #include "session.h"
@@ -11,7 +12,6 @@
 #include "verify/c_verify_installation.h"
 #include "verify/frm_install_details.h"
 #include "verify/insert_components.h"
-#include "verify_registry.h"
 
 namespace sentrune::cli {
 namespace {
@@ -35,23 +35,31 @@ class PrintedLog : public VerifyInstallationEvents {
   const cVerifyInstallation& verifier_;
 };
 
-void Verify(Session& session, bool silent) {
-  const std::unique_ptr<platform::Registry> registry = OpenVerifyRegistry(session.state().env(), &session.err);
+struct VerifyArgs {
+  bool silent = false;
+};
+
+void Verify(Session& session, const VerifyArgs& args) {
+  if (!session.Ready()) return;
+  const std::unique_ptr<platform::Registry> registry = session.hostEnv().OpenVerifyRegistry(&session.err);
   cVerifyInstallation verifier(session.state(), registry.get());
   PrintedLog log(session.out, verifier);
   verifier.SetEvents(&log);
-  verifier.VerifyAll(silent);
+  verifier.VerifyAll(args.silent);
   if (log.failures > 0) session.exitCode = kExitStopped;
 }
 
 void Details(Session& session) {
-  const std::unique_ptr<platform::Registry> registry = OpenVerifyRegistry(session.state().env(), &session.err);
+  if (!session.Ready()) return;
+  const std::unique_ptr<platform::Registry> registry = session.hostEnv().OpenVerifyRegistry(&session.err);
   frmInstallDetails form(session.state());
   if (form.ShowDiagnostics(registry.get()) > 0) session.exitCode = kExitStopped;
 }
 
-// Opens the project as the developer would before clicking the menu item.
+// Opens the session and the project, as the developer would before clicking
+// the menu item.
 bool OpenProject(Session& session, const std::string& argument) {
+  if (!session.Ready()) return false;
   const rt::Result<std::string> path = session.ToWindowsPath(argument);
   if (!path) {
     session.Fail(path.error().description);
@@ -69,50 +77,37 @@ void Finish(Session& session, InsertOutcome outcome) {
   if (outcome != InsertOutcome::kAdded) session.exitCode = kExitStopped;
 }
 
+void VerifyClass(Session& session, const std::string& project) {
+  if (!OpenProject(session, project)) return;
+  const std::unique_ptr<platform::Registry> registry = session.hostEnv().OpenVerifyRegistry(nullptr);
+  Finish(session, InsertVerifyClass(session.state(), session.options().options(), session.ide(), registry.get()));
+}
+
+void AlignControl(Session& session, const std::string& project) {
+  if (OpenProject(session, project))
+    Finish(session, InsertAlignControl(session.state(), session.options().options(), session.ide()));
+}
+
 }  // namespace
 
-void AddVerifyCommand(CLI::App& app, Session& session) {
-  auto silent = std::make_shared<bool>(false);
-  CLI::App* command = app.add_subcommand(
-      "verify", "Check that the components the add-in needs are registered and recent enough");
-  command->add_flag("--silent", *silent, "Show no message box; print each failure under its line");
-  command->footer(
+void SetUpVerify(CLI::App& command, Session& session) {
+  VerifyArgs& args = RunWith(command, session, Verify);
+  command.add_flag("--silent", args.silent, "Show no message box; print each failure under its line");
+  command.footer(
       "Registrations are read from the Wine prefix (--wineprefix, else $WINEPREFIX or ~/.wine).\n"
       "Exit status 1 when any component failed.");
-  command->callback([&session, silent] {
-    if (session.Ready()) Verify(session, *silent);
-  });
 }
 
-void AddVerifyClassCommand(CLI::App& app, Session& session) {
-  auto project = std::make_shared<std::string>();
-  CLI::App* command = app.add_subcommand(
-      "verify-class", "Add or refresh the installation verification class in a project (and save it)");
-  command->add_option("project", *project, "The project file (.vbp)")->required();
-  command->callback([&session, project] {
-    if (!session.Ready() || !OpenProject(session, *project)) return;
-    const std::unique_ptr<platform::Registry> registry = OpenVerifyRegistry(session.state().env(), nullptr);
-    Finish(session, InsertVerifyClass(session.state(), session.options().options(), session.ide(), registry.get()));
-  });
+void SetUpVerifyClass(CLI::App& command, Session& session) {
+  command.add_option("project", RunWith(command, session, VerifyClass), "The project file (.vbp)")->required();
 }
 
-void AddAlignControlCommand(CLI::App& app, Session& session) {
-  auto project = std::make_shared<std::string>();
-  CLI::App* command =
-      app.add_subcommand("add-align-control", "Add the alignment user control to a project (and save it)");
-  command->add_option("project", *project, "The project file (.vbp)")->required();
-  command->callback([&session, project] {
-    if (session.Ready() && OpenProject(session, *project))
-      Finish(session, InsertAlignControl(session.state(), session.options().options(), session.ide()));
-  });
+void SetUpAlignControl(CLI::App& command, Session& session) {
+  command.add_option("project", RunWith(command, session, AlignControl), "The project file (.vbp)")->required();
 }
 
-void AddDetailsCommand(CLI::App& app, Session& session) {
-  CLI::App* command =
-      app.add_subcommand("details", "The diagnostics view: the verification run line by line");
-  command->callback([&session] {
-    if (session.Ready()) Details(session);
-  });
+void SetUpDetails(CLI::App& command, Session& session) {
+  command.callback([&session] { Details(session); });
 }
 
 }  // namespace sentrune::cli

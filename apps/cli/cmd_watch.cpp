@@ -1,8 +1,6 @@
 // `sentrune watch`: time tracking for a developer who edits the project's
 // files outside the IDE, fed to the add-in as the IDE's poll would feed it.
-#include <CLI/CLI.hpp>
 #include <chrono>
-#include <csignal>
 #include <ctime>
 #include <filesystem>
 #include <map>
@@ -12,9 +10,9 @@
 #include "commands.h"
 #include "edit_follower.h"
 #include "host/connect.h"
+#include "host_platform.h"
 #include "open_project.h"
 #include "platform/headless/headless_ide.h"
-#include "platform/posix/file_watch_posix.h"
 #include "session.h"
 #include "settings/options_handler.h"
 #include "tracking/activity_tracker.h"
@@ -22,32 +20,6 @@
 
 namespace sentrune::cli {
 namespace {
-
-volatile std::sig_atomic_t gStop = 0;
-
-void RequestStop(int) { gStop = 1; }
-
-// SIGINT and SIGTERM end the watch; without SA_RESTART they also cut the
-// wait short. The previous handlers come back when it ends.
-class StopSignals {
- public:
-  StopSignals() {
-    gStop = 0;
-    struct sigaction action {};
-    action.sa_handler = RequestStop;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &oldInt_);
-    sigaction(SIGTERM, &action, &oldTerm_);
-  }
-  ~StopSignals() {
-    sigaction(SIGINT, &oldInt_, nullptr);
-    sigaction(SIGTERM, &oldTerm_, nullptr);
-  }
-
- private:
-  struct sigaction oldInt_ {};
-  struct sigaction oldTerm_ {};
-};
 
 double SteadySeconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -147,7 +119,7 @@ bool KeepsTotals(Session& session) {
 void Watch(Session& session, const std::string& argument) {
   const platform::ProjectPtr project = OpenOneProject(session, argument);
   if (!project) return;
-  rt::Result<std::unique_ptr<posix::InotifyFileWatch>> watch = posix::InotifyFileWatch::Create();
+  rt::Result<std::unique_ptr<platform::FileWatch>> watch = session.host().WatchFiles();
   if (!watch.ok()) return session.Fail(watch.error().description);
   Watcher watcher(session, project);
   if (!watcher.MapFiles(**watch)) return session.Fail("no component file of " + argument + " can be watched");
@@ -155,9 +127,9 @@ void Watch(Session& session, const std::string& argument) {
   if (!KeepsTotals(session)) return;
   session.out << "Watching " << project->Name() << " (Ctrl-C ends, saving the totals)\n";
 
-  StopSignals signals;
+  const std::unique_ptr<StopRequest> stop = session.host().CatchStop();
   EditFollower follower(SteadySeconds());
-  while (!gStop) {
+  while (!stop->Requested()) {
     const rt::Result<std::vector<std::string>> changed = (*watch)->Wait(1000);
     if (!changed.ok()) {
       session.err << "sentrune: " << changed.error().description << '\n';
@@ -179,16 +151,13 @@ void Watch(Session& session, const std::string& argument) {
 
 }  // namespace
 
-void AddWatchCommand(CLI::App& app, Session& session) {
-  CLI::App* watch = app.add_subcommand("watch", "Track the time worked on a project's components from file changes");
-  watch->footer(
+void SetUpWatch(CLI::App& command, Session& session) {
+  command.footer(
       "A component counts as being edited from the moment its source file is written until\n"
       "another component's file is, or until 5 minutes pass without a change. Totals go to the\n"
       "project's tracking database every minute and when the watch ends (Ctrl-C). Needs the\n"
       "option TrackTime on; `sentrune times` shows the totals.");
-  auto file = std::make_shared<std::string>();
-  watch->add_option("project", *file, "The .vbp file")->required();
-  watch->callback([&session, file] { Watch(session, *file); });
+  command.add_option("project", RunWith(command, session, Watch), "The .vbp file")->required();
 }
 
 }  // namespace sentrune::cli

@@ -1,3 +1,7 @@
 #include "cli_main.h"
+#include "posix_host.h"
 
-int main(int argc, char** argv) { return sentrune::cli::Main(argc, argv); }
+int main(int argc, char** argv) {
+  sentrune::cli::PosixHost host;
+  return sentrune::cli::Main(host, argc, argv);
+}

@@ -2,9 +2,24 @@
 
 #include <algorithm>
 
+#include "commands.h"
 #include "host/addin_menu.h"
 
 namespace sentrune::cli {
+namespace {
+
+// The commands that do what a menu item does, as a user would type them.
+std::string CommandsFor(MenuCommand item) {
+  // About is the version flag, not a command.
+  if (item == MenuCommand::kAbout) return "sentrune --version";
+  std::string names;
+  for (const Command& command : Commands()) {
+    if (command.menuItem == item) names += (names.empty() ? "sentrune " : ", sentrune ") + std::string(command.name);
+  }
+  return names.empty() ? "(none on Linux)" : names;
+}
+
+}  // namespace
 
 std::string MenuHelpText() {
   constexpr size_t kCaptionWidth = 38;
@@ -17,10 +32,7 @@ std::string MenuHelpText() {
       continue;
     }
     line.resize(std::max(line.size() + 1, kCaptionWidth), ' ');
-    std::string command = entry.cliCommand.empty() ? "(none on Linux)" : "sentrune " + entry.cliCommand;
-    for (size_t comma = command.find(", "); comma != std::string::npos; comma = command.find(", ", comma + 2))
-      command.insert(comma + 2, "sentrune ");
-    text += line + command + '\n';
+    text += line + CommandsFor(entry.command) + '\n';
   }
   return text;
 }

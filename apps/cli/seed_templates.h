@@ -7,14 +7,7 @@
 
 #include "platform/file_system.h"
 
-namespace sentrune::posix {
-class PosixEnv;
-}
-
 namespace sentrune::cli {
-
-// The files seeded, by name.
-const std::vector<std::string>& TemplateFileNames();
 
 // Copies each template file the add-in's folder lacks from `shareFolder`
 // (both Windows paths, with or without trailing "\"). Files already there
@@ -22,9 +15,5 @@ const std::vector<std::string>& TemplateFileNames();
 // cannot be copied is passed over (the command that needs it reports it).
 std::vector<std::string> SeedAddinFolder(platform::FileSystem& files, const std::string& addinFolder,
                                          const std::string& shareFolder);
-
-// The same for the host's add-in folder, from the folder the program was
-// built with (SENTRUNE_SHARE_DIR); nothing when no drive covers that folder.
-std::vector<std::string> SeedAddinFolder(posix::PosixEnv& env);
 
 }  // namespace sentrune::cli

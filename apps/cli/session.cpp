@@ -1,38 +1,25 @@
 #include "session.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
+#include <cctype>
 #include <filesystem>
-#include <iostream>
+#include <ostream>
 #include <system_error>
 
-#include "platform/console/console_ui.h"
-#include "platform/ini/ini_file.h"
-#include "platform/tlb/typelib_source_portable.h"
-#include "platform/pe/version_resources_portable.h"
-#include "platform/posix/drive_map.h"
-#include "platform/posix/posix_env.h"
 #include "host/addin_menu.h"
 #include "host/connect.h"
-#include "seed_templates.h"
-#include "verify/frm_install_details.h"
-#include "verify_registry.h"
+#include "host_platform.h"
+#include "platform/console/console_ui.h"
 #include "platform/headless/headless_ide.h"
+#include "platform/ini/ini_file.h"
+#include "platform/pe/version_resources_portable.h"
+#include "platform/tlb/typelib_source_portable.h"
 #include "settings/options_handler.h"
+#include "verify/frm_install_details.h"
 
 namespace sentrune::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The add-in's folder: --home, else the XDG configuration folder.
-std::string HomeFolder(const std::string& given) {
-  if (!given.empty()) return given;
-  if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && *config)
-    return std::string(config) + "/sentrune";
-  return posix::HomeFolder() + "/.config/sentrune";
-}
 
 bool LooksLikeWindowsPath(const std::string& text) {
   const bool drive = text.size() >= 3 && std::isalpha(static_cast<unsigned char>(text[0])) &&
@@ -40,17 +27,17 @@ bool LooksLikeWindowsPath(const std::string& text) {
   return drive || text.starts_with("\\\\");
 }
 
-console::AnswerMode AnswerModeFor(const GlobalOptions& global) {
+console::AnswerMode AnswerModeFor(const GlobalOptions& global, HostPlatform& host) {
   if (global.yes) return console::AnswerMode::kYes;
   if (global.no) return console::AnswerMode::kNo;
   // Without a terminal nobody can answer: refuse, which never overwrites.
-  return isatty(STDIN_FILENO) ? console::AnswerMode::kAsk : console::AnswerMode::kNo;
+  return host.InputIsTerminal() ? console::AnswerMode::kAsk : console::AnswerMode::kNo;
 }
 
 }  // namespace
 
 struct Session::Parts {
-  std::unique_ptr<posix::PosixEnv> env;
+  std::unique_ptr<HostEnv> host;
   std::unique_ptr<console::ConsoleUi> ui;
   std::unique_ptr<portable::PortableProfileFiles> profiles;
   std::unique_ptr<portable::PortableVersionResources> versions;
@@ -64,8 +51,8 @@ struct Session::Parts {
   }
 };
 
-Session::Session(std::istream& in, std::ostream& out, std::ostream& err)
-    : out(out), err(err), in_(in) {}
+Session::Session(HostPlatform& host, std::istream& in, std::ostream& out, std::ostream& err)
+    : out(out), err(err), host_(host), in_(in) {}
 
 Session::~Session() = default;
 
@@ -76,40 +63,27 @@ void Session::Fail(const std::string& message) {
 
 rt::Status Session::Open() {
   if (parts_) return {};
-  posix::PosixEnvOptions options;
   std::error_code error;
-  const fs::path home = fs::absolute(HomeFolder(global.home), error);
+  const fs::path home = fs::absolute(global.home.empty() ? host_.DefaultHomeFolder() : global.home, error);
   if (error || (fs::create_directories(home, error), error) || !fs::is_directory(home)) {
     return rt::MakeError(rt::errnum::kPathNotFound,
                          "cannot create the add-in's folder '" + home.string() + "'");
   }
-  options.homeHostDir = home.string();
-  if (!global.wineprefix.empty() && !fs::is_directory(global.wineprefix)) {
-    return rt::MakeError(rt::errnum::kPathNotFound,
-                         "--wineprefix: no such folder '" + global.wineprefix + "'");
-  }
-  options.wineprefix = global.wineprefix;
-  for (const std::string& drive : global.drives) {
-    const std::string folder = drive.substr(2);
-    if (!fs::is_directory(folder)) {
-      return rt::MakeError(rt::errnum::kPathNotFound,
-                           "--drive " + drive + ": no such folder '" + folder + "'");
-    }
-    options.drives.emplace_back(drive[0], folder);
-  }
+  rt::Result<std::unique_ptr<HostEnv>> opened = host_.Open(global, home.string());
+  if (!opened.ok()) return opened.error();
   auto parts = std::make_unique<Parts>();
-  parts->env = std::make_unique<posix::PosixEnv>(std::move(options));
-  SeedAddinFolder(*parts->env);
-  parts->ui = std::make_unique<console::ConsoleUi>(AnswerModeFor(global), in_, out, err);
-  parts->profiles = std::make_unique<portable::PortableProfileFiles>(parts->env->Files());
-  parts->versions = std::make_unique<portable::PortableVersionResources>(parts->env->Files());
-  parts->typelibs = std::make_unique<portable::PortableTypeLibSource>(parts->env->Files());
-  parts->state = std::make_unique<AddinState>(Platform{*parts->env, *parts->ui, *parts->profiles,
-                                                       *parts->versions, *parts->typelibs});
-  parts->ide = std::make_unique<headless::HeadlessIde>(parts->env->Files(), parts->typelibs.get());
+  parts->host = std::move(*opened);
+  platform::Env& env = parts->host->Env();
+  parts->ui = std::make_unique<console::ConsoleUi>(AnswerModeFor(global, host_), in_, out, err);
+  parts->profiles = std::make_unique<portable::PortableProfileFiles>(env.Files());
+  parts->versions = std::make_unique<portable::PortableVersionResources>(env.Files());
+  parts->typelibs = std::make_unique<portable::PortableTypeLibSource>(env.Files());
+  parts->state = std::make_unique<AddinState>(
+      Platform{env, *parts->ui, *parts->profiles, *parts->versions, *parts->typelibs});
+  parts->ide = std::make_unique<headless::HeadlessIde>(env.Files(), parts->typelibs.get());
   parts->connect = std::make_unique<Connect>(*parts->state);
-  parts->connect->ShowDiagnostics = [env = parts->env.get()](Connect& connect) {
-    const std::unique_ptr<platform::Registry> registry = OpenVerifyRegistry(*env, nullptr);
+  parts->connect->ShowDiagnostics = [host = parts->host.get()](Connect& connect) {
+    const std::unique_ptr<platform::Registry> registry = host->OpenVerifyRegistry(nullptr);
     frmInstallDetails(connect.state()).ShowDiagnostics(registry.get());
   };
   // The headless IDE's "Add-Ins" bar carries the menu as the IDE's would;
@@ -129,6 +103,8 @@ bool Session::Ready() {
   return true;
 }
 
+HostEnv& Session::hostEnv() { return *parts_->host; }
+
 AddinState& Session::state() { return *parts_->state; }
 
 OptionsHandler& Session::options() { return *parts_->connect->options(); }
@@ -139,7 +115,7 @@ headless::HeadlessIde& Session::ide() { return *parts_->ide; }
 
 rt::Result<std::string> Session::ToWindowsPath(const std::string& argument) {
   if (LooksLikeWindowsPath(argument)) return argument;
-  const std::optional<std::string> windows = parts_->env->Files().Drives().HostToWindows(argument);
+  const std::optional<std::string> windows = parts_->host->WindowsPath(argument);
   if (!windows) {
     return rt::MakeError(rt::errnum::kPathNotFound,
                          "'" + argument + "' lies on no mapped drive (see --drive)");
@@ -148,7 +124,7 @@ rt::Result<std::string> Session::ToWindowsPath(const std::string& argument) {
 }
 
 std::string Session::ToHostPath(const std::string& windowsPath) {
-  const rt::Result<std::string> host = parts_->env->Files().HostPath(windowsPath);
+  const rt::Result<std::string> host = parts_->host->HostPath(windowsPath);
   return host.ok() ? *host : windowsPath;
 }
 

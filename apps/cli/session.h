@@ -3,13 +3,11 @@
 // platform and add-in objects built from them on first use.
 #include <iosfwd>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "state/addin_state.h"
+#include "global_options.h"
 #include "runtime/result.h"
+#include "state/addin_state.h"
 
 namespace sentrune {
 class Connect;
@@ -21,13 +19,8 @@ class HeadlessIde;
 
 namespace sentrune::cli {
 
-struct GlobalOptions {
-  std::string home;  // the add-in's folder; default from XDG
-  bool yes = false;
-  bool no = false;
-  std::vector<std::string> drives;  // "X=DIR"
-  std::string wineprefix;
-};
+class HostEnv;
+class HostPlatform;
 
 // Exit statuses shared by every command.
 inline constexpr int kExitOk = 0;
@@ -36,7 +29,8 @@ inline constexpr int kExitBadInput = 2;
 
 class Session {
  public:
-  Session(std::istream& in, std::ostream& out, std::ostream& err);
+  // `host` must outlive the session.
+  Session(HostPlatform& host, std::istream& in, std::ostream& out, std::ostream& err);
   ~Session();
 
   GlobalOptions global;
@@ -52,6 +46,9 @@ class Session {
   rt::Status Open();
   // Open, reporting a failure (exit status 2); false when it failed.
   bool Ready();
+  HostPlatform& host() { return host_; }
+  // These need an open session.
+  HostEnv& hostEnv();
   AddinState& state();
   OptionsHandler& options();
   Connect& connect();
@@ -67,6 +64,7 @@ class Session {
 
  private:
   struct Parts;
+  HostPlatform& host_;
   std::istream& in_;
   std::unique_ptr<Parts> parts_;
 };

@@ -1,12 +1,14 @@
 #pragma once
-// Runs the command-line host in-process over a temporary add-in folder.
-#include <filesystem>
-#include <initializer_list>
+// The command-line host run in-process on the POSIX wiring, over a
+// temporary folder whose "home" is the add-in's folder.
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli_main.h"
+#include "posix_host.h"
+#include "support/temp_folder.h"
+#include "typelib/typelib_world.h"  // FixturePath, ReadHostFile
 
 namespace sentrune::testing {
 
@@ -16,36 +18,23 @@ struct CliRun {
   std::string err;
 };
 
-class CliHome {
- public:
-  CliHome() {
-    root_ = std::filesystem::temp_directory_path() /
-            ("sentrune-cli-" + std::to_string(reinterpret_cast<uintptr_t>(this)) + "-" +
-             std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-    std::filesystem::remove_all(root_);
-    std::filesystem::create_directories(root_);
-  }
-  ~CliHome() { std::filesystem::remove_all(root_); }
-  const std::filesystem::path& root() const { return root_; }
-  std::filesystem::path home() const { return root_ / "home"; }
+struct Cli {
+  TempFolder temp;
+  std::vector<std::string> global = {"--no"};  // options before every command
 
-  // Runs `sentrune --home <home> --no args...`.
-  CliRun Run(std::vector<std::string> args, const std::string& input = {}) const {
-    std::vector<std::string> all = {"sentrune", "--home", home().string(), "--no"};
-    all.insert(all.end(), args.begin(), args.end());
+  std::string home() const { return temp / "home"; }
+  // `sentrune --home <home> <global...> args...`
+  CliRun Run(std::vector<std::string> args) const {
+    args.insert(args.begin(), global.begin(), global.end());
+    args.insert(args.begin(), {"sentrune", "--home", home()});
     std::vector<const char*> argv;
-    for (const std::string& a : all) argv.push_back(a.c_str());
-    std::istringstream in(input);
+    for (const std::string& arg : args) argv.push_back(arg.c_str());
+    std::istringstream in;
     std::ostringstream out, err;
-    CliRun run;
-    run.status = cli::Run(static_cast<int>(argv.size()), argv.data(), in, out, err);
-    run.out = out.str();
-    run.err = err.str();
-    return run;
+    cli::PosixHost host;
+    const int status = cli::Run(host, static_cast<int>(argv.size()), argv.data(), in, out, err);
+    return {status, out.str(), err.str()};
   }
-
- private:
-  std::filesystem::path root_;
 };
 
 }  // namespace sentrune::testing

@@ -1,87 +1,69 @@
+// `sentrune options`, the global options, the help's menu map and the
+// add-in's folder.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "cli/cli_test_support.h"
+#include "menu_help.h"
 #include "seed_templates.h"
-#include "support/fake_env.h"
 
-namespace sentrune {
+namespace sentrune::testing {
 namespace {
 
-std::string ReadAll(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-// The row of the grid that ends with the key.
-std::string RowOf(const std::string& grid, const std::string& key) {
-  std::istringstream lines(grid);
-  for (std::string line; std::getline(lines, line);)
-    if (line.size() >= key.size() && line.compare(line.size() - key.size(), key.size(), key) == 0) return line;
-  return {};
-}
-
-TEST(OptionsCommand, FirstRunWritesStartValuesAndLaterRunsReadThem) {
-  testing::CliHome cli;
-  const testing::CliRun first = cli.Run({"options"});
+TEST(OptionsCommand, WritesStartValuesOnFirstRunAndSetsOnlyValidValues) {
+  Cli cli;
+  const std::string iniFile = cli.home() + "/Sentrune.ini";
+  const CliRun first = cli.Run({"options"});
   ASSERT_EQ(first.status, 0) << first.err;
-  EXPECT_NE(RowOf(first.out, "BackupFileCount").find(" 0 "), std::string::npos);
-  EXPECT_NE(RowOf(first.out, "TrackTime").find(" Yes "), std::string::npos);
-  const std::string ini = ReadAll(cli.home() / "Sentrune.ini");
-  EXPECT_NE(ini.find("BackupFileCount=0\r\n"), std::string::npos);
+  EXPECT_THAT(first.out, ::testing::ContainsRegex(" 0 +BackupFileCount\n"));
+  EXPECT_THAT(first.out, ::testing::ContainsRegex(" Yes +TrackTime\n"));
+  const std::string ini = ReadHostFile(iniFile);
   EXPECT_NE(ini.find("TrackTime=1\r\n"), std::string::npos);
-
-  const testing::CliRun second = cli.Run({"options"});
-  EXPECT_EQ(second.out, first.out);
-  EXPECT_EQ(ReadAll(cli.home() / "Sentrune.ini"), ini);
-}
-
-TEST(OptionsCommand, SetValidatesAndWritesNothingOnError) {
-  testing::CliHome cli;
-  ASSERT_EQ(cli.Run({"options"}).status, 0);
-  const std::string before = ReadAll(cli.home() / "Sentrune.ini");
-
-  const testing::CliRun unknown = cli.Run({"options", "set", "NoSuchKey", "1"});
-  EXPECT_EQ(unknown.status, 2);
-  EXPECT_NE(unknown.err.find("NoSuchKey"), std::string::npos);
-  const testing::CliRun wrongKind = cli.Run({"options", "set", "ActiveX_DLL_CreateBackup", "Maybe"});
-  EXPECT_EQ(wrongKind.status, 2);
-  EXPECT_NE(wrongKind.err.find("Prompt"), std::string::npos);
-  EXPECT_EQ(ReadAll(cli.home() / "Sentrune.ini"), before);
-
-  const testing::CliRun set = cli.Run({"options", "set", "activex_dll_createbackup", "yes"});
-  ASSERT_EQ(set.status, 0) << set.err;
-  EXPECT_NE(ReadAll(cli.home() / "Sentrune.ini").find("ActiveX_DLL_CreateBackup=1\r\n"), std::string::npos);
-
+  EXPECT_EQ(cli.Run({"options"}).out, first.out);
+  for (const auto& [key, value, named] : {std::tuple{"NoSuchKey", "1", "NoSuchKey"},
+                                          std::tuple{"ActiveX_DLL_CreateBackup", "Maybe", "Prompt"}}) {
+    const CliRun refused = cli.Run({"options", "set", key, value});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find(named), std::string::npos) << refused.err;
+  }
+  // Neither the second run nor a refused value wrote anything.
+  EXPECT_EQ(ReadHostFile(iniFile), ini);
+  ASSERT_EQ(cli.Run({"options", "set", "activex_dll_createbackup", "yes"}).status, 0);
+  EXPECT_NE(ReadHostFile(iniFile).find("ActiveX_DLL_CreateBackup=1\r\n"), std::string::npos);
   ASSERT_EQ(cli.Run({"options", "reset"}).status, 0);
-  EXPECT_EQ(ReadAll(cli.home() / "Sentrune.ini"), before);
+  EXPECT_EQ(ReadHostFile(iniFile), ini);
 }
 
 TEST(GlobalOptions, BadInputIsRefusedWithStatusTwo) {
-  testing::CliHome cli;
+  Cli cli;
   EXPECT_EQ(cli.Run({"--drive", "QQ", "options"}).status, 2);
-  const testing::CliRun missing = cli.Run({"--drive", "Q=/no/such/folder", "options"});
+  const CliRun missing = cli.Run({"--drive", "Q=/no/such/folder", "options"});
   EXPECT_EQ(missing.status, 2);
-  EXPECT_NE(missing.err.find("/no/such/folder"), std::string::npos);
-  EXPECT_EQ(cli.Run({"--yes", "--no", "options"}).status, 2);
-  EXPECT_EQ(cli.Run({"no-such-command"}).status, 2);
-  const testing::CliRun version = cli.Run({"--version"});
-  EXPECT_EQ(version.status, 0);
-  EXPECT_NE(version.out.find("sentrune "), std::string::npos);
+  EXPECT_NE(missing.err.find("/no/such/folder"), std::string::npos) << missing.err;
+  EXPECT_EQ(cli.Run({"--version"}).status, 0);
+}
+
+TEST(MenuHelp, ListsEveryItemWithItsCommand) {
+  for (const char* line :
+       {"Show References +sentrune refs\n", "Inspect Components +sentrune inspect, sentrune compare\n",
+        "Show Elapsed Times +sentrune times\n", "Project Snapshot +sentrune snapshot\n", "  Utilities:\n",
+        "Add/Refresh cVerifyInstallation +sentrune verify-class\n", "Add AlignmentHelper +sentrune add-align-control\n",
+        "Show Magnifier +\\(none on Linux\\)\n", "Fix ABS Paths +sentrune fix-paths\n",
+        "Fix VB Associations +sentrune fix-associations\n", "Sentrune Options +sentrune options\n",
+        "About +sentrune --version\n"})
+    EXPECT_THAT(cli::MenuHelpText(), ::testing::ContainsRegex(line));
 }
 
 TEST(SeedAddinFolder, CopiesOnlyTheMissingTemplates) {
-  testing::FakeEnv env;
-  testing::FakeFileSystem& files = env.Files();
+  FakeFileSystem files;
   files.AddFile("C:\\Share\\VerifyClassTemplate.txt", "template");
   files.AddFile("C:\\Share\\AlignmentHelper.ctl", "control");
   files.AddFile("C:\\Addin\\AlignmentHelper.ctl", "the user's own");
-  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"), std::vector<std::string>{"VerifyClassTemplate.txt"});
+  EXPECT_EQ(cli::SeedAddinFolder(files, "C:\\Addin\\", "C:\\Share"),
+            std::vector<std::string>{"VerifyClassTemplate.txt"});
   EXPECT_EQ(files.Contents("C:\\Addin\\AlignmentHelper.ctl"), "the user's own");
   EXPECT_TRUE(cli::SeedAddinFolder(files, "C:\\Addin", "C:\\Share").empty());
 }
 
 }  // namespace
-}  // namespace sentrune
+}  // namespace sentrune::testing
