@@ -37,7 +37,7 @@ void lfncDeferredCopy(AddinState& state, const OptionSet& options, const std::st
   const std::string desktop = ShellFolderPath(state.env(), platform::kFolderDesktop);
   if (desktop.empty()) return;
   const std::string batchFile =
-      rt::AddBackslash(desktop) + "Copy " + lfncStripExtension(lfncGetFileTitle(source)) + ".bat";
+      rt::AddBackslash(desktop) + "Copy " + rt::StripExtension(rt::GetFileTitle(source)) + ".bat";
   if (!state.files().WriteFile(batchFile, rt::Utf8ToCp1252(DeferredCopyBatch(source, destination)))) return;
   lfncMsgBoxEX(state,
                "Sentrune created the following file:\r\n" + batchFile + "\r\n" +

@@ -5,6 +5,7 @@
 #include "files/trapped_error.h"
 #include "state/msgbox.h"
 #include "runtime/text.h"
+#include "runtime/winpath.h"
 
 namespace sentrune {
 namespace {
@@ -59,7 +60,7 @@ int32_t lfncPrepareOverwrite(AddinState& state, const std::string& target, bool 
 
 int32_t lfncCopyFileEX(AddinState& state, const OptionSet& options, const std::string& source,
                        const std::string& destination, bool /*reserved*/, bool silent) {
-  if (!lfncEnsureFolder(state.files(), lfncGetFolder(destination))) return 0;
+  if (!lfncEnsureFolder(state.files(), rt::GetFolder(destination))) return 0;
   const int32_t prepared = lfncPrepareOverwrite(state, destination, silent);
   if (prepared == 2) return 2;
   if (prepared == rt::errnum::kPermissionDenied) {

@@ -33,11 +33,6 @@ bool StartsWithIgnoringCase(const std::string& text, const std::string& prefix) 
 
 }  // namespace
 
-std::string lfncGetFolder(const std::string& path) { return rt::GetFolder(path); }
-std::string lfncGetFileTitle(const std::string& path) { return rt::GetFileTitle(path); }
-std::string lfncGetExtension(const std::string& path) { return rt::GetExtension(path); }
-std::string lfncStripExtension(const std::string& path) { return rt::StripExtension(path); }
-
 bool lfncFileExists(const platform::FileSystem& fs, const std::string& path) {
   if (path.empty()) return false;
   const rt::Result<uint32_t> attributes = fs.GetAttributes(path);

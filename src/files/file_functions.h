@@ -12,16 +12,6 @@
 
 namespace sentrune {
 
-// Text helpers; they never touch the disk.
-// Up to and including the last "\".
-std::string lfncGetFolder(const std::string& path);
-// After the last "\".
-std::string lfncGetFileTitle(const std::string& path);
-// From the last "." onward, dot included; "" without a ".".
-std::string lfncGetExtension(const std::string& path);
-// Before the last "."; the whole text without a ".".
-std::string lfncStripExtension(const std::string& path);
-
 // True for a non-empty path whose attributes can be read and that is not a
 // folder; any failure reads as false.
 bool lfncFileExists(const platform::FileSystem& fs, const std::string& path);

@@ -6,6 +6,7 @@
 #include "files/trapped_error.h"
 #include "state/msgbox.h"
 #include "runtime/text.h"
+#include "runtime/winpath.h"
 #include "verify/frm_install_details.h"
 
 namespace sentrune {
@@ -50,7 +51,7 @@ bool BackedUp(AddinState& state, const OptionSet& options, const std::string& pr
 // Written beside the project and renamed over it, so that a failure part way
 // never leaves a truncated project file behind.
 rt::Status ReplaceFile(platform::FileSystem& fs, const std::string& path, const std::string& bytes) {
-  const std::string temporary = lfncGetFolder(path) + "~" + lfncGetFileTitle(path) + ".tmp";
+  const std::string temporary = rt::GetFolder(path) + "~" + rt::GetFileTitle(path) + ".tmp";
   rt::Status status = fs.WriteFile(temporary, bytes);
   if (status) status = fs.RenameReplace(temporary, path);
   if (!status) (void)fs.DeleteFile(temporary);
@@ -134,7 +135,7 @@ PathFixResult Parse4ABSFile(AddinState& state, const OptionSet& options, const s
   std::string original;
   std::vector<std::string> lines;
   const std::string drive = ProjectDriveText(projectFile);
-  if (!drive.empty() && !lfncGetFolder(projectFile).empty()) {
+  if (!drive.empty() && !rt::GetFolder(projectFile).empty()) {
     rt::Result<std::string> bytes = fs.ReadFile(projectFile);
     if (!bytes) return fail(bytes.error());
     original = std::move(*bytes);

@@ -5,6 +5,7 @@
 #include "state/msgbox.h"
 #include "logging/csv_file_writer.h"
 #include "runtime/text.h"
+#include "runtime/winpath.h"
 #include "runtime/vb_convert.h"
 #include "settings/options_handler.h"
 
@@ -57,7 +58,7 @@ bool IsFilteredReference(const OptionSet& options, const std::string& fullPath) 
   const std::string path = rt::LCase(fullPath);
   if (path.find("msvbvm60.dll\\3") != std::string::npos || path.find("msvbvm50.dll\\3") != std::string::npos)
     return true;
-  const std::string title = lfncGetFileTitle(path);
+  const std::string title = rt::GetFileTitle(path);
   return !title.empty() && rt::LCase(options.FilteredReferenceList).find("|" + title + "|") != std::string::npos;
 }
 

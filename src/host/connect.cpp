@@ -69,7 +69,7 @@ void Connect::AddinInstance_OnConnection(platform::VBE& application) {
     const std::string system = state_.env().SpecialFolderPath(platform::kFolderSystem);
     magnifier_ = !system.empty() && lfncFileExists(state_.files(), rt::AddBackslash(system) + "magnify.exe");
     tracker_ = std::make_unique<ActivityTracker>(state_, options_->options(), application);
-    mainForm_ = std::make_unique<frmAddinMain>(state_);
+    mainForm_ = std::make_unique<frmAddinMain>();
     services_ = std::make_unique<WorkflowServices>(
         WorkflowServices{state_, *options_, application, *tracker_, *mainForm_});
   } catch (const std::exception& failure) {

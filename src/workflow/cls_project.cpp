@@ -179,10 +179,9 @@ bool clsProject::IsOwnBuildTarget(const std::string& fileName) const {
   return project_ && longLower(project_->BuildFileName()) == longLower(fileName);
 }
 
-int32_t clsProject::RunStep(const char* procedure, int32_t (*step)(clsProject&)) {
-  const int32_t code = step(*this);
-  report_.steps.push_back({procedure, code});
-  return code;
+StepContext clsProject::MakeStepContext() {
+  return StepContext{services_.state, services_.options.options(), *project_, project_->BuildFileName(), report_,
+                     services_.mainForm};
 }
 
 void clsProject::FileCTLEvents_RequestWriteFile(const std::string& fileName, bool& cancel) {
@@ -193,10 +192,11 @@ void clsProject::FileCTLEvents_RequestWriteFile(const std::string& fileName, boo
   state.trace({std::string("Cancel : ") + (cancel ? "True" : "False")});
   // A first build has nothing to back up or compare.
   if (!lfncFileExists(state.files(), fileName) || !IsOwnBuildTarget(fileName)) return;
+  StepContext step = MakeStepContext();
   state.trace({"Running lErrorCode = lfncBackupComponentEX(Me)"});
-  if (RunStep("lfncBackupComponentEX", lfncBackupComponentEX) != 0) return;
+  if (step.Record("lfncBackupComponentEX", lfncBackupComponentEX(step)) != 0) return;
   state.trace({"Running Call lfncCompBeforeEX(Me)"});
-  RunStep("lfncCompBeforeEX", lfncCompBeforeEX);
+  step.Record("lfncCompBeforeEX", lfncCompBeforeEX(step));
 }
 
 void clsProject::FileCTLEvents_AfterWriteFile(int fileType, const std::string& fileName, int16_t result) {
@@ -208,18 +208,21 @@ void clsProject::FileCTLEvents_AfterWriteFile(int fileType, const std::string& f
   state.trace({"Result  : " + std::to_string(result)});
   if (!project_) return;
   if (fileType == platform::vbext_ft_Project) {
-    if (lfncFileExists(state.files(), project_->FileName())) lfncClearWorkspaceFileEX(*this);
+    if (!lfncFileExists(state.files(), project_->FileName())) return;
+    StepContext step = MakeStepContext();
+    lfncClearWorkspaceFileEX(step);
     return;
   }
   if (fileType != platform::vbext_ft_Exe || result != 0) return;
+  StepContext step = MakeStepContext();
   int32_t lErrorCode = 0;
   if (project_->Type() != platform::vbext_pt_StandardExe) {
     state.trace({"Running lErrorCode = lfncManageCompatEX(Me)"});
-    lErrorCode = RunStep("lfncManageCompatEX", lfncManageCompatEX);
+    lErrorCode = step.Record("lfncManageCompatEX", lfncManageCompatEX(step));
   }
   if (lErrorCode != 0) return;
   state.trace({"Running Call lfncProcessPerOptions(Me)"});
-  lfncProcessPerOptions(*this);
+  lfncProcessPerOptions(step);
 }
 
 BuildReport clsProject::TakeBuildReport() {

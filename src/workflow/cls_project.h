@@ -1,14 +1,15 @@
 #pragma once
 // clsProject: the add-in's listener on one open project. Its component
 // events feed activity tracking; its file events start the two halves of
-// the build workflow. Every build step receives the sink itself and reaches
-// the project through it.
+// the build workflow, whose steps get the context the sink makes for the
+// event.
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "platform/ide.h"
 #include "workflow/build_report.h"
+#include "workflow/step_context.h"
 #include "workflow/workflow_services.h"
 
 namespace sentrune {
@@ -54,14 +55,12 @@ class clsProject {
   // successful component write the after-compile chain.
   void FileCTLEvents_AfterWriteFile(int fileType, const std::string& fileName, int16_t result);
 
-  WorkflowServices& services() const { return services_; }
-
-  // Set by lfncBackupReleaseEX to whether its copy succeeded; read by
-  // lfncCopyToReleaseEX to copy without asking.
-  bool ReleaseBackedUp = false;
+  // What the build steps work with on this project, the options as they are
+  // now, reporting into this sink's report. Only while it has a project.
+  StepContext MakeStepContext();
 
   // What the builds since the last take did.
-  BuildReport& Report() { return report_; }
+  const BuildReport& Report() const { return report_; }
   BuildReport TakeBuildReport();
 
  private:
@@ -70,8 +69,6 @@ class clsProject {
 
   void TraceComponentEvent(const char* event, const platform::ComponentPtr& component);
   bool IsOwnBuildTarget(const std::string& fileName) const;
-  // Runs a step and records its code in the report.
-  int32_t RunStep(const char* procedure, int32_t (*step)(clsProject&));
 
   WorkflowServices& services_;
   platform::ProjectPtr project_;

@@ -1,11 +1,10 @@
 // The Binary Compatibility Model: the dated copy of a component that the
 // project keeps compatibility against, set up, compared and renewed.
 #include "files/file_functions.h"
-#include "state/msgbox.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
+#include "state/msgbox.h"
 #include "verify/frm_install_details.h"
-#include "workflow/cls_project.h"
 #include "workflow/step_support.h"
 #include "workflow/workflow_steps.h"
 
@@ -14,6 +13,7 @@ namespace {
 
 namespace mb = platform::mb;
 constexpr const char* kCompatBase = "CompatBase";
+using StepOption = std::array<int16_t, kProjectTypeCount> OptionSet::*;
 
 // Compares the component with the model and shows what differs; when
 // nothing does, says so only to a user who asked for the comparison.
@@ -30,27 +30,69 @@ int32_t CompareWithModel(AddinState& state, const std::string& component, const 
 }
 
 // The comparison steps share everything but their option and question.
-std::optional<int32_t> CompareStep(clsProject& sink, int16_t value, const char* caption, const char* prompt) {
-  AddinState& state = sink.services().state;
-  const platform::VBProject& project = *sink.CProject();
+std::optional<int32_t> CompareStep(const StepContext& step, StepOption option, const char* caption,
+                                   const char* prompt) {
+  const int16_t value = StepValue(step.options.*option, step.project);
   if (value <= 0) return std::nullopt;
-  const std::string component = project.BuildFileName();
-  const std::string model = project.CompatibleOleServer();
-  if (!lfncFileExists(state.files(), component) || !lfncFileExists(state.files(), model)) return std::nullopt;
+  const std::string model = step.project.CompatibleOleServer();
+  const platform::FileSystem& fs = step.state.files();
+  if (!lfncFileExists(fs, step.buildFile) || !lfncFileExists(fs, model)) return std::nullopt;
   if (value == kAskFirst) {
     const frmFileHandlerEX form = AskStep(
-        state,
-        {.caption = caption, .prompt = prompt, .dialogType = 1, .source = component, .destination = model});
+        step.state,
+        {.caption = caption, .prompt = prompt, .dialogType = 1, .source = step.buildFile, .destination = model});
     if (form.SelectedButton == mb::kNo) return std::nullopt;
   }
-  return CompareWithModel(state, component, model, value == kAskFirst);
+  return CompareWithModel(step.state, step.buildFile, model, value == kAskFirst);
 }
+
+// What tells setting a model up from renewing it.
+struct ModelStep {
+  StepOption option;
+  // Setting up leaves alone a model that keeps compatibility.
+  bool onlyUnfitModels;
+  // Setting up proposes the folder the project remembers for models when
+  // there is no current model to go beside.
+  bool proposesRemembered;
+  const char* caption;
+  const char* prompt;
+  // Renewing replaces a model of the same name without asking.
+  bool silent;
+  std::string BuildReport::*made;
+};
+
+constexpr ModelStep kSetUp{.option = &OptionSet::ManageComp,
+                           .onlyUnfitModels = true,
+                           .proposesRemembered = true,
+                           .caption = "Manage Compatibility?",
+                           .prompt = "Sentrune can setup your Binary Compatibility Model for you.",
+                           .silent = false,
+                           .made = &BuildReport::modelSetUp};
+// The old model stays: a new dated copy goes beside it.
+constexpr ModelStep kRenew{.option = &OptionSet::UpdateCompatIfReqd,
+                           .onlyUnfitModels = false,
+                           .proposesRemembered = false,
+                           .caption = "Update Compatibility Model?",
+                           .prompt = "Update your Binary Compatibility Model?",
+                           .silent = true,
+                           .made = &BuildReport::modelUpdated};
 
 bool NeedsNewModel(const std::string& model, const std::string& component) {
   // A ".tmp" model is the IDE's own stand-in, and a model that is the build
   // output itself changes with every build: neither keeps compatibility.
   return model.empty() || (model.size() >= 4 && rt::LCase(model.substr(model.size() - 4)) == ".tmp") ||
          model == component;
+}
+
+// The dated name of this build's model: beside the current model when that
+// exists, else in `folder` when one is given, else in the component's
+// "Compat\" folder.
+std::string ProposedModel(const StepContext& step, const std::string& current, const std::string& folder) {
+  const platform::FileSystem& fs = step.state.files();
+  const std::string dated = rt::GetFileTitle(lfncMakeBackupName(fs, step.options, step.buildFile, ""));
+  if (lfncFileExists(fs, current)) return rt::GetFolder(current) + dated;
+  if (!folder.empty()) return rt::AddBackslash(folder) + dated;
+  return rt::GetFolder(step.buildFile) + "Compat\\" + dated;
 }
 
 // Asks about a new model path when the step's value says so; the path the
@@ -61,119 +103,80 @@ std::optional<std::string> ConfirmModelPath(AddinState& state, RememberedFolders
   if (value != kAskFirst) return question.destination;
   const frmFileHandlerEX form = AskStep(state, question);
   if (form.SelectedButton == mb::kNo) return std::nullopt;
-  const std::string chosenFolder = lfncGetFolder(form.DestinationFile);
+  const std::string chosenFolder = rt::GetFolder(form.DestinationFile);
   if (chosenFolder != remembered) folders.Store(kCompatBase, chosenFolder);
   return form.DestinationFile;
 }
 
 // Copies the component to the model path and points the project at it.
-int32_t MakeModel(AddinState& state, const OptionSet& options, platform::VBProject& project,
-                  const std::string& component, const std::string& model, bool silent) {
-  const int32_t copied = lfncCopyFileEX(state, options, component, model, true, silent);
+int32_t MakeModel(const StepContext& step, const std::string& model, bool silent) {
+  const int32_t copied = lfncCopyFileEX(step.state, step.options, step.buildFile, model, true, silent);
   if (copied != 0) return copied;
-  const rt::Status pointed = project.SetCompatibleOleServer(model);
+  const rt::Status pointed = step.project.SetCompatibleOleServer(model);
   if (pointed.ok()) return 0;
-  state.err.Set(pointed.error());
-  lfncMsgBoxEX(state,
+  step.state.err.Set(pointed.error());
+  lfncMsgBoxEX(step.state,
                "Error " + std::to_string(pointed.error().number) + "\r\n" + pointed.error().description,
                mb::kCritical, "modCommon:SetCompatibleOleServer");
   return pointed.error().number;
 }
 
+// Sets up or renews the model, as `kind` says.
+int32_t RunModelStep(StepContext& step, const ModelStep& kind) {
+  const int16_t value = StepValue(step.options.*kind.option, step.project);
+  if (value <= 0 || !lfncFileExists(step.state.files(), step.buildFile)) return 0;
+  const std::string current = step.project.CompatibleOleServer();
+  if (kind.onlyUnfitModels && !NeedsNewModel(current, step.buildFile)) return 0;
+
+  RememberedFolders folders(step.state, step.project);
+  // The database is read only where its folder is proposed or asked about.
+  const std::string remembered =
+      kind.proposesRemembered || value == kAskFirst ? folders.Get(kCompatBase) : std::string();
+  const std::string proposal = ProposedModel(step, current, kind.proposesRemembered ? remembered : "");
+  const std::optional<std::string> model = ConfirmModelPath(step.state, folders, remembered, value,
+                                                            {.caption = kind.caption,
+                                                             .prompt = kind.prompt,
+                                                             .dialogType = 1,
+                                                             .source = step.buildFile,
+                                                             .destination = proposal,
+                                                             .editable = true});
+  int32_t result = 0;
+  if (model) {
+    result = MakeModel(step, *model, kind.silent);
+    if (result == 0) step.report.*kind.made = *model;
+  }
+  step.state.err.Clear();
+  return result;
+}
+
 }  // namespace
 
-int32_t lfncCompBeforeEX(clsProject& sink) {
-  const OptionSet& options = sink.services().optionSet();
+int32_t lfncCompBeforeEX(StepContext& step) {
   const std::optional<int32_t> differences = CompareStep(
-      sink, StepValue(options.CompareCompsBefore, *sink.CProject()), "Compare Interface? (Pre Compile)",
+      step, &OptionSet::CompareCompsBefore, "Compare Interface? (Pre Compile)",
       "Before building, do you want Sentrune to check to make sure all interfaces are present in the Binary "
       "Compatibility Model?");
-  if (differences) sink.Report().differencesBefore = *differences;
-  sink.services().state.err.Clear();
+  if (differences) step.report.differencesBefore = *differences;
+  step.state.err.Clear();
   return 0;
 }
 
-int32_t lfncCompAfterEX(clsProject& sink, bool& updateNeeded) {
+int32_t lfncCompAfterEX(StepContext& step, bool& updateNeeded) {
   updateNeeded = false;
-  const OptionSet& options = sink.services().optionSet();
   const std::optional<int32_t> differences = CompareStep(
-      sink, StepValue(options.CompareCompsAfter, *sink.CProject()), "Compare Interfaces? (Post Compile)",
+      step, &OptionSet::CompareCompsAfter, "Compare Interfaces? (Post Compile)",
       "Do you want to compare interfaces to see if the Binary Compatibility Model needs to be updated?");
   if (differences) {
     updateNeeded = *differences > 0;
-    sink.Report().differencesAfter = *differences;
-    sink.Report().updateNeeded = updateNeeded;
+    step.report.differencesAfter = *differences;
+    step.report.updateNeeded = updateNeeded;
   }
-  sink.services().state.err.Clear();
+  step.state.err.Clear();
   return 0;
 }
 
-int32_t lfncManageCompatEX(clsProject& sink) {
-  AddinState& state = sink.services().state;
-  const OptionSet& options = sink.services().optionSet();
-  platform::VBProject& project = *sink.CProject();
-  const int16_t value = StepValue(options.ManageComp, project);
-  const std::string component = project.BuildFileName();
-  if (value <= 0 || !lfncFileExists(state.files(), component)) return 0;
-  const std::string current = project.CompatibleOleServer();
-  if (!NeedsNewModel(current, component)) return 0;
+int32_t lfncManageCompatEX(StepContext& step) { return RunModelStep(step, kSetUp); }
 
-  RememberedFolders folders(state, project);
-  const std::string remembered = folders.Get(kCompatBase);
-  const std::string dated = DatedFileName(state.files(), options, component);
-  std::string proposal = DefaultModelPath(state.files(), options, component);
-  if (lfncFileExists(state.files(), current)) {
-    proposal = lfncGetFolder(current) + dated;
-  } else if (!remembered.empty()) {
-    proposal = rt::AddBackslash(remembered) + dated;
-  }
-  const std::optional<std::string> model =
-      ConfirmModelPath(state, folders, remembered, value,
-                       {.caption = "Manage Compatibility?",
-                        .prompt = "Sentrune can setup your Binary Compatibility Model for you.",
-                        .dialogType = 1,
-                        .source = component,
-                        .destination = proposal,
-                        .editable = true});
-  int32_t result = 0;
-  if (model) {
-    result = MakeModel(state, options, project, component, *model, false);
-    if (result == 0) sink.Report().modelSetUp = *model;
-  }
-  state.err.Clear();
-  return result;
-}
-
-int32_t lfncUpdateCompatEX(clsProject& sink) {
-  AddinState& state = sink.services().state;
-  const OptionSet& options = sink.services().optionSet();
-  platform::VBProject& project = *sink.CProject();
-  const int16_t value = StepValue(options.UpdateCompatIfReqd, project);
-  const std::string component = project.BuildFileName();
-  if (value <= 0 || !lfncFileExists(state.files(), component)) return 0;
-
-  const std::string current = project.CompatibleOleServer();
-  const std::string proposal = lfncFileExists(state.files(), current)
-                                   ? lfncGetFolder(current) + DatedFileName(state.files(), options, component)
-                                   : DefaultModelPath(state.files(), options, component);
-  RememberedFolders folders(state, project);
-  const std::string remembered = value == kAskFirst ? folders.Get(kCompatBase) : std::string();
-  const std::optional<std::string> model =
-      ConfirmModelPath(state, folders, remembered, value,
-                       {.caption = "Update Compatibility Model?",
-                        .prompt = "Update your Binary Compatibility Model?",
-                        .dialogType = 1,
-                        .source = component,
-                        .destination = proposal,
-                        .editable = true});
-  int32_t result = 0;
-  if (model) {
-    // The old model stays: a new dated copy goes beside it.
-    result = MakeModel(state, options, project, component, *model, true);
-    if (result == 0) sink.Report().modelUpdated = *model;
-  }
-  state.err.Clear();
-  return result;
-}
+int32_t lfncUpdateCompatEX(StepContext& step) { return RunModelStep(step, kRenew); }
 
 }  // namespace sentrune

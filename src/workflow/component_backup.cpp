@@ -1,7 +1,6 @@
 // The backup of the component the IDE is about to overwrite with a build.
 #include "files/file_functions.h"
 #include "runtime/winpath.h"
-#include "workflow/cls_project.h"
 #include "workflow/step_support.h"
 #include "workflow/workflow_steps.h"
 
@@ -27,44 +26,39 @@ BackupPlan AskAboutBackup(AddinState& state, RememberedFolders& folders, const s
                       .source = component,
                       .destination = proposal,
                       .editable = true,
-                      .browseStartPath = lfncGetFolder(component)});
+                      .browseStartPath = rt::GetFolder(component)});
   if (form.SelectedButton == platform::mb::kNo) return {proposal, false, false};
   // The user has agreed to write this very name: no second question.
   const BackupPlan plan{form.DestinationFile, true, true};
-  if (lfncGetFolder(plan.name) != remembered) folders.Store(kCompBackupBase, lfncGetFolder(plan.name));
+  if (rt::GetFolder(plan.name) != remembered) folders.Store(kCompBackupBase, rt::GetFolder(plan.name));
   return plan;
 }
 
 }  // namespace
 
-int32_t lfncBackupComponentEX(clsProject& sink) {
-  WorkflowServices& services = sink.services();
-  AddinState& state = services.state;
-  const OptionSet& options = services.optionSet();
-  const platform::VBProject& project = *sink.CProject();
-  const int16_t value = StepValue(options.CreateBackup, project);
+int32_t lfncBackupComponentEX(StepContext& step) {
+  const int16_t value = StepValue(step.options.CreateBackup, step.project);
   if (value <= 0) return 0;
 
-  const std::string component = project.BuildFileName();
-  const std::string defaultName = lfncMakeBackupName(state.files(), options, component, "");
+  const std::string defaultName = lfncMakeBackupName(step.state.files(), step.options, step.buildFile, "");
   if (defaultName.empty()) return 0;  // no component to back up
-  RememberedFolders folders(state, project);
+  RememberedFolders folders(step.state, step.project);
   const std::string remembered = folders.Get(kCompBackupBase);
-  const std::string folder = remembered.empty() ? lfncGetFolder(defaultName) : remembered;
-  BackupPlan plan{rt::AddBackslash(folder) + lfncGetFileTitle(defaultName)};
-  if (value == kAskFirst) plan = AskAboutBackup(state, folders, component, plan.name, remembered);
+  const std::string folder = remembered.empty() ? rt::GetFolder(defaultName) : remembered;
+  BackupPlan plan{rt::AddBackslash(folder) + rt::GetFileTitle(defaultName)};
+  if (value == kAskFirst) plan = AskAboutBackup(step.state, folders, step.buildFile, plan.name, remembered);
 
   int32_t result = 0;
   if (plan.wanted) {
-    result = lfncCopyFileEX(state, options, component, plan.name, true, plan.silent);
+    result = lfncCopyFileEX(step.state, step.options, step.buildFile, plan.name, true, plan.silent);
     if (result == 0) {
-      sink.Report().backups.push_back({"component backup", plan.name});
-      if (options.BackupFileCount >= 1)
-        (void)lfncRotateBackups(state, lfncGetFolder(plan.name), "*" + lfncGetExtension(plan.name),
-                                options.BackupFileCount);
+      step.report.backups.push_back({"component backup", plan.name});
+      if (step.options.BackupFileCount >= 1)
+        (void)lfncRotateBackups(step.state, rt::GetFolder(plan.name), "*" + rt::GetExtension(plan.name),
+                                step.options.BackupFileCount);
     }
   }
-  state.err.Clear();
+  step.state.err.Clear();
   return result;
 }
 

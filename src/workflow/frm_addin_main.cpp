@@ -1,5 +1,10 @@
 #include "workflow/frm_addin_main.h"
 
+#include "files/trapped_error.h"
+#include "runtime/text.h"
+#include "runtime/winpath.h"
+#include "workflow/snapshot_list.h"
+
 namespace sentrune {
 
 void frmAddinMain::tmrActiveWindow_Timer(platform::VBE& ide, ActivityTracker& tracker) {
@@ -14,10 +19,30 @@ void frmAddinMain::tmrActiveWindow_Timer(platform::VBE& ide, ActivityTracker& tr
   }
 }
 
-SnapshotCopy frmAddinMain::PrepareSnapshot(const OptionSet& options, const platform::VBProject& project,
-                                           const std::string& snapshotFolder) {
-  SnapshotCopy copy = sentrune::PrepareSnapshot(state_, options, project, snapshotFolder);
+SnapshotCopy frmAddinMain::PrepareSnapshot(const StepContext& step, const std::string& snapshotFolder) {
+  SnapshotCopy copy;
+  const std::string projectFile = step.project.FileName();
+  const rt::Result<std::string> bytes = step.state.files().ReadFile(projectFile);
+  if (!bytes) {
+    lstFiles_.clear();
+    copy.result = ReportTrappedError(step.state, bytes.error(), "frmAddinMain:PrepareSnapshot");
+    return copy;
+  }
+  copy.files = SnapshotFileList(step.state.files(), projectFile, rt::Cp1252ToUtf8(*bytes));
   lstFiles_ = copy.files;
+  const auto put = [&](const std::string& source, const std::string& relative) {
+    const rt::Status copied = CopyIntoSnapshot(step, source, snapshotFolder + relative);
+    if (!copied && copy.result == 0)
+      copy.result = ReportTrappedError(step.state, copied.error(), "frmAddinMain:PrepareSnapshot");
+  };
+  put(projectFile, rt::GetFileTitle(projectFile));
+  const std::string projectFolder = rt::GetFolder(projectFile);
+  for (const std::string& name : copy.files) {
+    const std::optional<SnapshotPlace> place = PlaceInSnapshot(projectFolder, name);
+    if (!place) continue;
+    if (place->outside) copy.outside.push_back({place->source, snapshotFolder + place->relative});
+    put(place->source, place->relative);
+  }
   return copy;
 }
 

@@ -6,19 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "state/addin_state.h"
 #include "platform/ide.h"
-#include "settings/option_set.h"
 #include "tracking/activity_tracker.h"
 #include "workflow/snapshot.h"
+#include "workflow/step_context.h"
 
 namespace sentrune {
 
 class frmAddinMain {
  public:
-  // The state must outlive the form.
-  explicit frmAddinMain(AddinState& state) : state_(state) {}
-
   // A form timer as plain state: the host calls Tick at the interval while
   // it is enabled.
   struct Timer {
@@ -32,14 +28,14 @@ class frmAddinMain {
   // otherwise no component is active.
   void tmrActiveWindow_Timer(platform::VBE& ide, ActivityTracker& tracker);
 
-  // Copies a snapshot (see PrepareSnapshot in snapshot.h) and keeps its list
-  // of files for the user to see.
-  SnapshotCopy PrepareSnapshot(const OptionSet& options, const platform::VBProject& project,
-                               const std::string& snapshotFolder);
+  // Copies the project file, then every file it lists, into
+  // `snapshotFolder` (which ends in "\"), replacing files of an earlier
+  // snapshot there, and keeps the list for the user to see. With
+  // SnapIsReadOnly the copies are made read-only.
+  SnapshotCopy PrepareSnapshot(const StepContext& step, const std::string& snapshotFolder);
   const std::vector<std::string>& lstFiles() const { return lstFiles_; }
 
  private:
-  AddinState& state_;
   std::vector<std::string> lstFiles_;
 };
 

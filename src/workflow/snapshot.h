@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "state/addin_state.h"
-#include "platform/ide.h"
-#include "settings/option_set.h"
+#include "runtime/result.h"
 #include "workflow/build_report.h"
+#include "workflow/step_context.h"
 
 namespace sentrune {
 
@@ -19,6 +18,9 @@ class clsProject;
 // after a build the project type's CreateSnapshot decides. 0 when done or
 // declined, 53 for a project never saved (after telling the user), else the
 // first failing step's error number.
+int32_t lfncSnapshotEX(StepContext& step, bool force);
+// The menu's snapshot, with no event under way: with the sink's project (0
+// without one) and its own context.
 int32_t lfncSnapshotEX(clsProject& sink, bool force);
 
 struct SnapshotCopy {
@@ -27,23 +29,15 @@ struct SnapshotCopy {
   std::vector<BuildReport::OutsideFile> outside;
 };
 
-// Copies the project file, then every listed file, into `snapshotFolder`
-// (which ends in "\"), replacing files of an earlier snapshot there. With
-// SnapIsReadOnly the copies are made read-only.
-SnapshotCopy PrepareSnapshot(AddinState& state, const OptionSet& options, const platform::VBProject& project,
-                             const std::string& snapshotFolder);
-
 // Copies the files of the project's intact type library references and of
 // the controls its "Object=" lines name into the snapshot's
 // "Dependencies\" folder. Controls are looked for beside the project, then in
 // the system folder; one found nowhere counts as broken and is left out.
 // 0, or the error number of the first copy that failed.
-int32_t GatherDependencies(AddinState& state, const OptionSet& options, platform::VBProject& project,
-                           const std::string& snapshotFolder);
+int32_t GatherDependencies(const StepContext& step, const std::string& snapshotFolder);
 
 // Puts one file into a snapshot: missing folders are made, a file already
 // there is replaced even when read-only.
-rt::Status CopyIntoSnapshot(AddinState& state, const OptionSet& options, const std::string& source,
-                            const std::string& destination);
+rt::Status CopyIntoSnapshot(const StepContext& step, const std::string& source, const std::string& destination);
 
 }  // namespace sentrune

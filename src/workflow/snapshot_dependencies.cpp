@@ -54,17 +54,17 @@ std::optional<std::string> ControlFile(AddinState& state, const std::string& pro
   return std::nullopt;
 }
 
-std::vector<std::string> DependencyFiles(AddinState& state, platform::VBProject& project) {
+std::vector<std::string> DependencyFiles(const StepContext& step) {
   std::vector<std::string> files;
-  for (const std::shared_ptr<platform::Reference>& reference : project.References())
-    if (std::optional<std::string> file = ReferenceFile(state.files(), *reference)) files.push_back(*file);
-  const rt::Result<std::string> bytes = state.files().ReadFile(project.FileName());
+  for (const std::shared_ptr<platform::Reference>& reference : step.project.References())
+    if (std::optional<std::string> file = ReferenceFile(step.state.files(), *reference)) files.push_back(*file);
+  const rt::Result<std::string> bytes = step.state.files().ReadFile(step.project.FileName());
   if (!bytes) return files;
-  const std::string projectFolder = rt::GetFolder(project.FileName());
+  const std::string projectFolder = rt::GetFolder(step.project.FileName());
   for (const std::string& line : ProjectFileLines(rt::Cp1252ToUtf8(*bytes))) {
     const std::optional<ProjectFileEntry> entry = SplitProjectLine(line);
     if (!entry || entry->key != "object") continue;
-    if (std::optional<std::string> file = ControlFile(state, projectFolder, entry->value))
+    if (std::optional<std::string> file = ControlFile(step.state, projectFolder, entry->value))
       files.push_back(*file);
   }
   return files;
@@ -72,17 +72,16 @@ std::vector<std::string> DependencyFiles(AddinState& state, platform::VBProject&
 
 }  // namespace
 
-int32_t GatherDependencies(AddinState& state, const OptionSet& options, platform::VBProject& project,
-                           const std::string& snapshotFolder) {
+int32_t GatherDependencies(const StepContext& step, const std::string& snapshotFolder) {
   const std::string folder = snapshotFolder + "Dependencies\\";
   std::set<std::string> taken;  // by lower-case file name: one copy each
   int32_t result = 0;
-  for (const std::string& file : DependencyFiles(state, project)) {
+  for (const std::string& file : DependencyFiles(step)) {
     const std::string title = rt::GetFileTitle(file);
     if (!taken.insert(rt::LCase(title)).second) continue;
-    const rt::Status copied = CopyIntoSnapshot(state, options, file, folder + title);
+    const rt::Status copied = CopyIntoSnapshot(step, file, folder + title);
     if (!copied && result == 0)
-      result = ReportTrappedError(state, copied.error(), "modCommon:GatherDependencies");
+      result = ReportTrappedError(step.state, copied.error(), "modCommon:GatherDependencies");
   }
   return result;
 }

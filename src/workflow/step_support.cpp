@@ -1,6 +1,5 @@
 #include "workflow/step_support.h"
 
-#include "files/file_functions.h"
 #include "runtime/winpath.h"
 
 namespace sentrune {
@@ -12,7 +11,7 @@ int16_t StepValue(const std::array<int16_t, kProjectTypeCount>& option, const pl
 
 std::string TrackingDatabaseName(const platform::VBProject& project) {
   const std::string fileName = project.FileName();
-  return fileName.empty() ? std::string() : lfncStripExtension(fileName) + ".stn";
+  return fileName.empty() ? std::string() : rt::StripExtension(fileName) + ".stn";
 }
 
 RememberedFolders::RememberedFolders(AddinState& state, const platform::VBProject& project) {
@@ -40,21 +39,11 @@ frmFileHandlerEX AskStep(AddinState& state, const StepQuestion& question) {
   form.BrowseEnabled = question.editable;
   if (question.editable) {
     form.BrowseStartPath =
-        question.browseStartPath.empty() ? lfncGetFolder(question.destination) : question.browseStartPath;
-    form.BrowsePathFooter = lfncGetFileTitle(question.destination);
+        question.browseStartPath.empty() ? rt::GetFolder(question.destination) : question.browseStartPath;
+    form.BrowsePathFooter = rt::GetFileTitle(question.destination);
   }
   form.Show();
   return form;
-}
-
-std::string DatedFileName(const platform::FileSystem& fs, const OptionSet& options,
-                          const std::string& component) {
-  return lfncGetFileTitle(lfncMakeBackupName(fs, options, component, ""));
-}
-
-std::string DefaultModelPath(const platform::FileSystem& fs, const OptionSet& options,
-                             const std::string& component) {
-  return lfncGetFolder(component) + "Compat\\" + DatedFileName(fs, options, component);
 }
 
 }  // namespace sentrune

@@ -1,6 +1,6 @@
 #pragma once
-// What the build steps share: the option gate, their question, dated names
-// and the folders each project remembers in its tracking database.
+// What the build steps share: the option gate, their question and the
+// folders each project remembers in its tracking database.
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -52,13 +52,5 @@ struct StepQuestion {
 // Shows the question through frmFileHandlerEX; the form as it was closed
 // (SelectedButton, DestinationFile).
 frmFileHandlerEX AskStep(AddinState& state, const StepQuestion& question);
-
-// The file name of a dated copy of the component ("Widgets-2004.05.06-
-// 14.03.09.dll"); empty when the component's time cannot be read.
-std::string DatedFileName(const platform::FileSystem& fs, const OptionSet& options,
-                          const std::string& component);
-// The component's folder + "Compat\" + its dated file name.
-std::string DefaultModelPath(const platform::FileSystem& fs, const OptionSet& options,
-                             const std::string& component);
 
 }  // namespace sentrune

@@ -13,12 +13,10 @@ class frmAddinMain;
 
 struct WorkflowServices {
   AddinState& state;
-  OptionsHandler& options;  // its option set is read afresh by every step
+  OptionsHandler& options;
   platform::VBE& ide;       // gobjVBInstance
   ActivityTracker& tracker;
   frmAddinMain& mainForm;
-
-  const OptionSet& optionSet() const { return options.options(); }
 };
 
 }  // namespace sentrune

@@ -3,22 +3,21 @@
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
 #include "runtime/text.h"
-#include "workflow/cls_project.h"
+#include "runtime/winpath.h"
 #include "workflow/workflow_steps.h"
 
 namespace sentrune {
 
-int32_t lfncClearWorkspaceFileEX(clsProject& sink) {
-  AddinState& state = sink.services().state;
-  if (!sink.services().optionSet().ClearVBW || !sink.CProject()) return 0;
-  const std::string projectFile = sink.CProject()->FileName();
-  if (!rt::IEquals(lfncGetExtension(projectFile), ".vbp")) return 0;
-  const std::string workspace = lfncStripExtension(projectFile) + ".vbw";
-  if (!lfncFileExists(state.files(), workspace)) return 0;
-  rt::Status removed = state.files().SetAttributes(workspace, platform::kAttrArchive);
-  if (removed) removed = state.files().DeleteFile(workspace);
+int32_t lfncClearWorkspaceFileEX(StepContext& step) {
+  if (!step.options.ClearVBW) return 0;
+  const std::string projectFile = step.project.FileName();
+  if (!rt::IEquals(rt::GetExtension(projectFile), ".vbp")) return 0;
+  const std::string workspace = rt::StripExtension(projectFile) + ".vbw";
+  if (!lfncFileExists(step.state.files(), workspace)) return 0;
+  rt::Status removed = step.state.files().SetAttributes(workspace, platform::kAttrArchive);
+  if (removed) removed = step.state.files().DeleteFile(workspace);
   return removed ? 0
-                 : ReportTrappedError(state, removed.error(), "modFileFunctions:lfncClearWorkspaceFileEX");
+                 : ReportTrappedError(step.state, removed.error(), "modFileFunctions:lfncClearWorkspaceFileEX");
 }
 
 }  // namespace sentrune

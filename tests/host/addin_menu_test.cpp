@@ -4,16 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/headless/headless_ide.h"
-#include "support/test_addin.h"
+#include "host_world.h"
 
 namespace sentrune::testing {
 namespace {
 
-struct MenuWorld : TestAddin {
-  headless::HeadlessIde ide{files(), &typelibs};
-  Connect connect{state};
-  std::vector<std::string> ran;
+using Strings = std::vector<std::string>;
+
+struct MenuWorld : HostWorld {
+  Strings ran;
 
   explicit MenuWorld(bool magnifier = false) {
     if (magnifier) {
@@ -31,36 +30,25 @@ struct MenuWorld : TestAddin {
     connect.AddinInstance_OnConnection(ide);
   }
 
-  std::vector<platform::ControlPtr> TopItems() {
-    auto bar = ide.CommandBars()->Item("Add-Ins");
-    return bar->Controls()->Items();
-  }
+  std::vector<platform::ControlPtr> TopItems() { return ide.CommandBars()->Item("Add-Ins")->Controls()->Items(); }
   // Each item of the pop-up as "caption[|group][|disabled]", the utilities
   // pop-up's items indented.
-  std::vector<std::string> Layout() {
-    std::vector<std::string> lines;
-    auto describe = [](const platform::ControlPtr& c, const std::string& indent) {
-      return indent + c->Caption() + (c->BeginGroup() ? "|group" : "") + (c->Enabled() ? "" : "|disabled");
+  Strings Layout() {
+    Strings lines;
+    const auto describe = [&](const platform::ControlPtr& c, const std::string& indent) {
+      lines.push_back(indent + c->Caption() + (c->BeginGroup() ? "|group" : "") + (c->Enabled() ? "" : "|disabled"));
+      return c->Controls() ? c->Controls()->Items() : std::vector<platform::ControlPtr>{};
     };
-    for (const auto& top : TopItems()) {
-      lines.push_back(describe(top, ""));
-      for (const auto& item : top->Controls()->Items()) {
-        lines.push_back(describe(item, "  "));
-        if (auto sub = item->Controls())
-          for (const auto& inner : sub->Items()) lines.push_back(describe(inner, "    "));
-      }
-    }
+    for (const auto& top : TopItems())
+      for (const auto& item : describe(top, ""))
+        for (const auto& inner : describe(item, "  ")) describe(inner, "    ");
     return lines;
-  }
-  void OpenProject(const std::string& path, const std::string& name) {
-    files().AddFile(path, "Type=OleDll\r\nName=\"" + name + "\"\r\n");
-    ASSERT_TRUE(ide.Open(path).ok());
   }
 };
 
 TEST(AddinMenu, BuildsTheItemsInOrderWithTheirGroups) {
   MenuWorld w;
-  EXPECT_EQ(w.Layout(), (std::vector<std::string>{
+  EXPECT_EQ(w.Layout(), (Strings{
                             "&Sentrune|group",
                             "  &Show References",
                             "  &Inspect Components",
@@ -74,100 +62,70 @@ TEST(AddinMenu, BuildsTheItemsInOrderWithTheirGroups) {
                             "  Sentrune &Options|group",
                             "  Abo&ut|group",
                         }));
+  // The help text reads the captions aloud.
+  EXPECT_EQ(PlainCaption("Fix A&BS && more"), "Fix ABS & more");
 
   MenuWorld withMagnifier(true);
-  const auto layout = withMagnifier.Layout();
-  EXPECT_EQ(layout[8], "    Show &Magnifier");
+  EXPECT_EQ(withMagnifier.Layout()[8], "    Show &Magnifier");
   ASSERT_TRUE(withMagnifier.ide.ClickMenu({"Sentrune", "Utilities", "Show Magnifier"}).ok());
-  EXPECT_EQ(withMagnifier.env.Programs().Started(),
-            std::vector<std::string>{"C:\\Windows\\System32\\magnify.exe"});
+  EXPECT_EQ(withMagnifier.env.Programs().Started(), Strings{"C:\\Windows\\System32\\magnify.exe"});
 }
 
-TEST(AddinMenu, RemovalDeletesTheControlsAndReleasesTheHandlers) {
-  MenuWorld w;
-  ASSERT_EQ(w.TopItems().size(), 1u);
-  w.connect.AddinInstance_OnDisconnection();
-  EXPECT_TRUE(w.TopItems().empty());
-  // Clicking what was removed reaches no handler.
-  EXPECT_FALSE(w.ide.ClickMenu({"Sentrune", "Utilities", "Fix ABS Paths"}).ok());
-  EXPECT_TRUE(w.ran.empty());
-  EXPECT_FALSE(w.state.err.number());
-}
-
-TEST(AddinMenu, OpeningTheMenuRefreshesCaptionsAndTheElapsedTimesItem) {
+TEST(AddinMenu, OpeningTheMenuRefreshesCaptionsTrackingAndTheElapsedTimesItem) {
   MenuWorld w;
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Sentrune Options"}).ok());
-  EXPECT_EQ(w.ran, std::vector<std::string>{"options"});
+  EXPECT_EQ(w.ran, Strings{"options"});
   // The options dialog changed VerifyClass; the menu reloaded the options,
   // and the next opening shows the new caption.
-  EXPECT_EQ(w.connect.options()->options().VerifyClass, "cCheck");
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Utilities", "Add/Refresh cCheck"}).ok());
 
+  // Tracking without a project is given the IDE's active one.
+  w.Open("C:\\Src\\Widgets\\Widgets.vbp", "Widgets");
+  w.connect.tracker()->ProjectManager(nullptr);
   w.connect.options()->options().TrackTime = false;
-  ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Project Snapshot"}).ok());
+  ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "About"}).ok());
   EXPECT_EQ(w.Layout()[3], "  Show &Elapsed Times|disabled");
   EXPECT_FALSE(w.ide.ClickMenu({"Sentrune", "Show Elapsed Times"}).ok());
+  EXPECT_EQ(w.connect.tracker()->ActiveIDEProject(), nullptr);
 
   w.connect.options()->options().TrackTime = true;
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Show Elapsed Times"}).ok());
   EXPECT_EQ(w.Layout()[3], "  Show &Elapsed Times");
-  EXPECT_EQ(w.ui.forms.size(), 1u);
-}
-
-TEST(AddinMenu, OpeningTheMenuTellsTrackingTheActiveProjectWhenItHasNone) {
-  MenuWorld w;
-  w.OpenProject("C:\\Src\\Widgets\\Widgets.vbp", "Widgets");
-  w.connect.tracker()->ProjectManager(nullptr);
-  ASSERT_EQ(w.connect.tracker()->ActiveIDEProject(), nullptr);
-  ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "About"}).ok());
   ASSERT_NE(w.connect.tracker()->ActiveIDEProject(), nullptr);
   EXPECT_EQ(w.connect.tracker()->ActiveIDEProject()->Name(), "Widgets");
+  EXPECT_EQ(w.ui.forms.size(), 1u);
 }
 
 TEST(AddinMenu, SnapshotHandlerReportsItsOutcome) {
   MenuWorld w;
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Project Snapshot"}).ok());
-  ASSERT_EQ(w.ui.boxes.size(), 1u);
-  EXPECT_EQ(w.ui.boxes[0].prompt, "No projects loaded.");
-  EXPECT_EQ(w.ui.boxes[0].title, "Project Snapshot");
   EXPECT_TRUE(w.ui.fileQuestions.empty());
-
-  w.OpenProject("C:\\Src\\Widgets\\Widgets.vbp", "Widgets");
+  w.Open("C:\\Src\\Widgets\\Widgets.vbp", "Widgets");
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Project Snapshot"}).ok());
   EXPECT_EQ(w.ui.fileQuestions.size(), 1u);
-  EXPECT_EQ(w.ui.boxes.back().prompt, "Operation Complete.");
-  EXPECT_EQ(w.ui.boxes.back().title, "Project Snapshot");
+  ASSERT_EQ(w.ui.boxes.size(), 2u);
+  for (const AskedBox& box : w.ui.boxes) EXPECT_EQ(box.title, "Project Snapshot");
+  EXPECT_EQ(w.ui.boxes[0].prompt, "No projects loaded.");
+  EXPECT_EQ(w.ui.boxes[1].prompt, "Operation Complete.");
 }
 
-TEST(AddinMenu, FixAssociationsRunsOnlyAfterYes) {
+TEST(AddinMenu, FixAssociationsRunsOnlyAfterYesAndRemovalEndsEveryHandler) {
   MenuWorld w;
   w.ui.QueueAnswer(platform::mb::kNo);
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Utilities", "Fix VB Associations"}).ok());
   EXPECT_TRUE(w.ran.empty());
   ASSERT_EQ(w.ui.boxes.size(), 1u);
-  EXPECT_EQ(w.ui.boxes[0].prompt,
-            "Fix VB file associations?\r\nThis will force VB to use only Long filenames when opening projects "
-            "and other files.");
-  EXPECT_EQ(w.ui.boxes[0].style, 36);
-  EXPECT_EQ(w.ui.boxes[0].title, "Fix Associations.");
-
+  EXPECT_EQ(w.ui.boxes[0].style, platform::mb::kYesNo + platform::mb::kQuestion);
   w.ui.QueueAnswer(platform::mb::kYes);
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Utilities", "Fix VB Associations"}).ok());
-  EXPECT_EQ(w.ran, std::vector<std::string>{"fix associations"});
-}
+  EXPECT_EQ(w.ran, Strings{"fix associations"});
 
-TEST(AddinMenu, DescriptionForHelpMatchesTheBuiltMenu) {
-  const auto entries = MenuEntries("cVerifyInstallation", "AlignmentHelper", false);
-  MenuWorld w;
-  const auto items = w.TopItems().front()->Controls()->Items();
-  EXPECT_EQ(items.size() + 4, entries.size());  // four sit inside the utilities pop-up
-  EXPECT_EQ(PlainCaption(entries.back().caption), "About");
-  EXPECT_EQ(PlainCaption("Fix A&BS && more"), "Fix ABS & more");
-  for (const auto& entry : entries) {
-    if (entry.command != MenuCommand::kUtilities) {
-      EXPECT_FALSE(entry.cliCommand.empty()) << entry.caption;
-    }
-  }
+  // Removal deletes the controls; what was removed reaches no handler.
+  w.connect.AddinInstance_OnDisconnection();
+  EXPECT_TRUE(w.TopItems().empty());
+  EXPECT_FALSE(w.ide.ClickMenu({"Sentrune", "Utilities", "Fix ABS Paths"}).ok());
+  EXPECT_EQ(w.ran, Strings{"fix associations"});
+  EXPECT_FALSE(w.state.err.number());
 }
 
 }  // namespace

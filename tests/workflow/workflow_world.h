@@ -4,7 +4,6 @@
 // (real PE files with their type libraries) to "compile".
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -45,7 +44,7 @@ struct WorkflowWorld : TestAddin {
   OptionsHandler handler{state};
   OptionSet& options = handler.options();
   ActivityTracker tracker{state, handler.options(), ide};
-  frmAddinMain mainForm{state};
+  frmAddinMain mainForm;
   WorkflowServices services{state, handler, ide, tracker, mainForm};
   platform::ProjectPtr project;
   std::unique_ptr<clsProject> sink;
@@ -101,16 +100,6 @@ struct WorkflowWorld : TestAddin {
     Strings steps;
     for (const auto& step : sink->Report().steps) steps.push_back(step.procedure + "=" + std::to_string(step.code));
     return steps;
-  }
-
-  // Trace lines from line `from` on that begin with one of the prefixes.
-  Strings TraceStarting(const Strings& prefixes, size_t from = 0) {
-    Strings picked;
-    const Strings lines = TraceLines();
-    for (size_t i = from; i < lines.size(); ++i)
-      if (std::any_of(prefixes.begin(), prefixes.end(), [&](const std::string& p) { return lines[i].starts_with(p); }))
-        picked.push_back(lines[i]);
-    return picked;
   }
 };
 
