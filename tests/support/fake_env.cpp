@@ -36,18 +36,12 @@ void FakeProcesses::SetFindExecutable(int code, std::string program) {
 
 rt::Result<int> FakeProcesses::Run(const std::string& commandLine) {
   ran_.push_back(commandLine);
-  if (runResults_.empty()) return 0;
-  rt::Result<int> result = std::move(runResults_.front());
-  runResults_.pop_front();
-  return result;
+  return 0;
 }
 
 rt::Status FakeProcesses::Start(const std::string& commandLine) {
   started_.push_back(commandLine);
-  if (startResults_.empty()) return {};
-  rt::Status result = std::move(startResults_.front());
-  startResults_.pop_front();
-  return result;
+  return {};
 }
 
 int FakeProcesses::FindExecutable(const std::string& documentPath, std::string& program) {
@@ -61,7 +55,7 @@ int FakeProcesses::FindExecutable(const std::string& documentPath, std::string& 
 FakeEnv::FakeEnv() {
   files_.UseClock(&clock_);
   SetSpecialFolder(platform::kFolderDesktop, kDesktop);
-  SetSpecialFolder(platform::kFolderAppData, kAppData);
+  SetSpecialFolder(platform::kFolderAppData, "C:\\Users\\Dev\\AppData\\Roaming");
   SetSpecialFolder(platform::kFolderSystem, kSystem);
   SetTempPath("C:\\Temp\\");
   SetModuleFolder("C:\\Addin\\");

@@ -4,7 +4,6 @@
 // a test can set. The defaults are those of a plain Windows machine with the
 // add-in in "C:\Addin\"; the default folders exist in the file system.
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -32,12 +31,9 @@ class FakeClock : public platform::Clock {
   double fraction_ = 0;   // in [0, 1)
 };
 
+// Run gives exit status 0 and Start succeeds.
 class FakeProcesses : public platform::Processes {
  public:
-  // Results handed out in order by Run and Start; when none is queued Run
-  // gives exit status 0 and Start succeeds.
-  void QueueRunResult(rt::Result<int> result) { runResults_.push_back(std::move(result)); }
-  void QueueStartResult(rt::Status result) { startResults_.push_back(std::move(result)); }
   // What FindExecutable answers for every document (31 until set).
   void SetFindExecutable(int code, std::string program);
 
@@ -50,8 +46,6 @@ class FakeProcesses : public platform::Processes {
   int FindExecutable(const std::string& documentPath, std::string& program) override;
 
  private:
-  std::deque<rt::Result<int>> runResults_;
-  std::deque<rt::Status> startResults_;
   int findCode_ = 31;
   std::string findProgram_;
   std::vector<std::string> ran_, started_, looked_;
@@ -60,7 +54,6 @@ class FakeProcesses : public platform::Processes {
 class FakeEnv : public platform::Env {
  public:
   static constexpr const char* kDesktop = "C:\\Users\\Dev\\Desktop";
-  static constexpr const char* kAppData = "C:\\Users\\Dev\\AppData\\Roaming";
   static constexpr const char* kSystem = "C:\\Windows\\System32";
 
   FakeEnv();
@@ -78,7 +71,7 @@ class FakeEnv : public platform::Env {
   std::string ModuleFolder() override { return moduleFolder_; }
   std::string ModuleName() override { return moduleName_; }
   std::optional<std::string> NetworkConnection(const std::string& drive) override;
-  void DoEvents() override { ++doEventsCount_; }
+  void DoEvents() override {}
 
   // Setters; a folder that is set is also created in the file system.
   void SetSpecialFolder(int folder, std::string path);
@@ -87,7 +80,6 @@ class FakeEnv : public platform::Env {
   void SetModuleName(std::string name) { moduleName_ = std::move(name); }
   // Makes `drive` ("X:", any case) a network drive with that share name.
   void SetNetworkConnection(const std::string& drive, std::string share);
-  int DoEventsCount() const { return doEventsCount_; }
 
  private:
   FakeFileSystem files_;
@@ -98,7 +90,6 @@ class FakeEnv : public platform::Env {
   std::string tempPath_;
   std::string moduleFolder_;
   std::string moduleName_ = "Sentrune";
-  int doEventsCount_ = 0;
 };
 
 }  // namespace sentrune::testing

@@ -173,14 +173,12 @@ uint32_t FakeFileSystem::AttributesOf(const Node& node) const {
 // --- Attributes and times
 
 rt::Result<uint32_t> FakeFileSystem::GetAttributes(const std::string& path) const {
-  if (auto failure = TakeFailure(FsOp::kGetAttributes, path)) return *failure;
   rt::Result<Where> where = LocateExisting(path);
   if (!where) return where.error();
   return where->isRoot ? uint32_t{platform::kAttrDirectory} : AttributesOf(*where->node);
 }
 
 rt::Status FakeFileSystem::SetAttributes(const std::string& path, uint32_t attributes) {
-  if (auto failure = TakeFailure(FsOp::kSetAttributes, path)) return *failure;
   rt::Result<Where> where = LocateExisting(path);
   if (!where) return where.error();
   if (!where->isRoot)
@@ -191,19 +189,16 @@ rt::Status FakeFileSystem::SetAttributes(const std::string& path, uint32_t attri
 }
 
 rt::Result<rt::DateTime> FakeFileSystem::GetLastWriteTime(const std::string& path) const {
-  if (auto failure = TakeFailure(FsOp::kGetTime, path)) return *failure;
   rt::Result<Where> where = LocateExisting(path);
   if (!where) return where.error();
   return where->isRoot ? kDefaultTime : where->node->mtime;
 }
 
 rt::Status FakeFileSystem::SetLastWriteTime(const std::string& path, const rt::DateTime& time) {
-  if (auto failure = TakeFailure(FsOp::kSetTime, path)) return *failure;
   if (!time.IsValid()) return Error(errnum::kInvalidProcedureCall, path);
   rt::Result<Where> where = LocateExisting(path);
   if (!where) return where.error();
   if (!where->isRoot) nodes_[where->key].mtime = time;
-  record_.timeSets.emplace_back(path, time);
   return {};
 }
 
@@ -314,24 +309,20 @@ rt::Status FakeFileSystem::CreateDirectory(const std::string& path) {
   if (!where) return where.error();
   if (where->Present()) return Error(errnum::kPathFileAccessError, path);
   Create(*where, true);
-  record_.createdFolders.push_back(path);
   return {};
 }
 
 rt::Status FakeFileSystem::RemoveDirectory(const std::string& path) {
-  if (auto failure = TakeFailure(FsOp::kRemoveDirectory, path)) return *failure;
   rt::Result<Where> where = Locate(path);
   if (!where) return where.error();
   if (!where->node || !where->node->folder) return Error(errnum::kPathNotFound, path);
   const auto next = nodes_.lower_bound(where->key + "\\");
   if (next != nodes_.end() && IsBelow(next->first, where->key)) return Error(errnum::kPathFileAccessError, path);
   nodes_.erase(where->key);
-  record_.removedFolders.push_back(path);
   return {};
 }
 
 rt::Status FakeFileSystem::MakeSureDirectoryPathExists(const std::string& path) {
-  if (auto failure = TakeFailure(FsOp::kMakeSure, path)) return *failure;
   std::optional<rt::WinPath> parsed = rt::ParseWinPath(path);
   if (!parsed) return Error(errnum::kBadFileNameOrNumber, path);
   if (!parsed->trailingSlash && !parsed->parts.empty()) parsed->parts.pop_back();  // the file name
@@ -345,13 +336,11 @@ rt::Status FakeFileSystem::MakeSureDirectoryPathExists(const std::string& path) 
     if (where->Present()) return Error(errnum::kPathFileAccessError, path);
     if (auto failure = TakeFailure(FsOp::kCreateDirectory, folder)) return *failure;
     Create(*where, true);
-    record_.createdFolders.push_back(folder);
   }
   return {};
 }
 
 rt::Result<std::vector<DirEntry>> FakeFileSystem::List(const std::string& pattern) const {
-  if (auto failure = TakeFailure(FsOp::kList, pattern)) return *failure;
   std::optional<rt::WinPath> parsed = rt::ParseWinPath(pattern);
   if (!parsed) return Error(errnum::kBadFileNameOrNumber, pattern);
   std::string namePattern;
@@ -372,7 +361,6 @@ rt::Result<std::vector<DirEntry>> FakeFileSystem::List(const std::string& patter
 }
 
 rt::Result<std::string> FakeFileSystem::GetLongPathName(const std::string& path) const {
-  if (auto failure = TakeFailure(FsOp::kLongPath, path)) return *failure;
   rt::Result<Where> where = LocateExisting(path);
   if (!where) return where.error();
   if (where->isRoot) return where->parentPath + "\\";

@@ -3,8 +3,8 @@
 // names are matched without regard to case and keep the case they were
 // created with, files report archive, read-only files refuse deletion and
 // overwriting. Every drive (and share) exists unless LimitDrives says
-// otherwise. It records every change it made, and a test can make the next
-// call of an operation fail with a chosen error number.
+// otherwise. It records the files it wrote, deleted, copied and renamed, and
+// a test can make the next call of an operation fail with a chosen error number.
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -18,23 +18,17 @@
 
 namespace sentrune::testing {
 
-enum class FsOp {
-  kGetAttributes, kSetAttributes, kGetTime, kSetTime, kRead, kWrite, kAppend, kDelete,
-  kRename, kCopy, kCreateDirectory, kRemoveDirectory, kMakeSure, kList, kLongPath,
-};
+enum class FsOp { kRead, kWrite, kAppend, kDelete, kRename, kCopy, kCreateDirectory };
 
-// The changes made through the FileSystem interface, in order, with paths
+// The file changes made through the FileSystem interface, in order, with paths
 // as the caller wrote them. Setup helpers (AddFile, AddFolder) are not
 // recorded, and neither are calls that failed.
 struct FsRecord {
   std::vector<std::string> written;         // WriteFile and AppendFile
   std::vector<std::string> deleted;         // DeleteFile
   std::vector<std::pair<std::string, uint32_t>> attributeSets;
-  std::vector<std::pair<std::string, rt::DateTime>> timeSets;
   std::vector<std::pair<std::string, std::string>> copies;   // from, to
   std::vector<std::pair<std::string, std::string>> renames;  // from, to
-  std::vector<std::string> createdFolders;  // CreateDirectory, and each folder MakeSure... created
-  std::vector<std::string> removedFolders;
 };
 
 class FakeFileSystem : public platform::FileSystem {

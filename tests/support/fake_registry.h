@@ -4,8 +4,8 @@
 // keys with sub-keys refuse deletion. Each root key is a tree of its own
 // (HKEY_CLASSES_ROOT is not merged from the others here). Sub-keys are
 // listed in the order they were created, so a test decides which one is
-// "first". It records every change made through the interface, and a test
-// can make the next call of an operation fail with a chosen Win32 code.
+// "first". It records the values set and what was deleted, and a test can
+// make the next open, query, create or set fail with a chosen Win32 code.
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -17,7 +17,7 @@
 
 namespace sentrune::testing {
 
-enum class RegOp { kConnect, kOpen, kQuery, kEnum, kCreate, kSet, kDeleteKey, kDeleteValue };
+enum class RegOp { kOpen, kQuery, kCreate, kSet };
 
 // Keys are written as "HKEY_CURRENT_USER\Software\X", in the spelling the
 // caller used, without empty components.
@@ -27,11 +27,9 @@ struct RegSet {
   platform::RegValue value;
 };
 struct RegRecord {
-  std::vector<std::string> createdKeys;  // only keys that did not exist
   std::vector<RegSet> setValues;
   std::vector<std::string> deletedKeys;
   std::vector<std::string> deletedValues;  // key + "\" + value name ("@" for the default)
-  std::vector<std::string> connected;      // machine names as given to Connect
 };
 
 class FakeRegistry : public platform::Registry {
@@ -45,25 +43,18 @@ class FakeRegistry : public platform::Registry {
   void AddKey(uint32_t hive, const std::string& path);
   void AddValue(uint32_t hive, const std::string& path, const std::string& name,
                 platform::RegValue value);
-  // REG_SZ (the text with its NUL) and REG_DWORD shorthands.
+  // A REG_SZ value: the text with its NUL.
   void AddString(uint32_t hive, const std::string& path, const std::string& name,
                  const std::string& text);
-  void AddDword(uint32_t hive, const std::string& path, const std::string& name, uint32_t number);
-  // The registry Connect hands out for that machine (with or without its
-  // leading "\\"); other machines cannot be reached.
-  FakeRegistry& AddMachine(const std::string& name);
   // The next call of `op` on `path` (compared without regard to case; empty:
   // any path) fails with the Win32 `code` and changes nothing.
   void FailNext(RegOp op, const std::string& path, int32_t code);
 
   // --- Inspection.
-  bool HasKey(uint32_t hive, const std::string& path) const;
-  std::optional<platform::RegValue> Get(uint32_t hive, const std::string& path,
-                                        const std::string& name) const;
   const RegRecord& Record() const { return record_; }
   void ClearRecord() { record_ = {}; }
 
-  // --- platform::Registry
+  // --- platform::Registry; no other machine can be reached.
   rt::Result<std::shared_ptr<platform::Registry>> Connect(const std::string& machine) override;
   rt::Status OpenKey(uint32_t hive, const std::string& path, bool forWriting) override;
   rt::Result<platform::RegValue> QueryValue(uint32_t hive, const std::string& path,
@@ -78,11 +69,10 @@ class FakeRegistry : public platform::Registry {
  private:
   struct Key;
   Key* Find(uint32_t hive, const std::string& path) const;
-  Key& Make(uint32_t hive, const std::string& path, bool* created = nullptr);
+  Key& Make(uint32_t hive, const std::string& path);
   std::optional<rt::VbError> TakeFailure(RegOp op, const std::string& path);
 
   std::map<uint32_t, std::unique_ptr<Key>> roots_;
-  std::map<std::string, std::shared_ptr<FakeRegistry>> machines_;  // by upper-case name
   struct Failure {
     RegOp op;
     std::string path;

@@ -16,7 +16,7 @@ T PopOr(std::deque<T>& queue, T fallback) {
 int FakeUi::MsgBox(const std::string& prompt, int style, const std::string& title) {
   boxes.push_back({prompt, style, title});
   const bool okOnly = (style & 7) == platform::mb::kOkOnly;
-  return PopOr(answers_, okOnly ? platform::mb::kOk : defaultAnswer);
+  return PopOr(answers_, okOnly ? platform::mb::kOk : platform::mb::kYes);
 }
 
 platform::FileHandlerAnswer FakeUi::AskFileHandler(const platform::FileHandlerQuestion& question) {
@@ -31,13 +31,11 @@ platform::FileHandlerAnswer FakeUi::AskFileHandler(const platform::FileHandlerQu
   return PopOr(fileAnswers_, agree);
 }
 
-std::optional<std::string> FakeUi::OpenFile(const std::string& title, const std::string&) {
-  pickerTitles.push_back(title);
+std::optional<std::string> FakeUi::OpenFile(const std::string&, const std::string&) {
   return PopOr(openFiles_, std::optional<std::string>{});
 }
 
-std::optional<std::string> FakeUi::SaveFile(const std::string& title, const std::string&) {
-  pickerTitles.push_back(title);
+std::optional<std::string> FakeUi::SaveFile(const std::string&, const std::string&) {
   return PopOr(saveFiles_, std::optional<std::string>{});
 }
 

@@ -19,10 +19,9 @@ struct AskedBox {
 
 class FakeUi : public platform::Ui {
  public:
-  // Answers for MsgBox, in order; when none is queued the box gets
-  // `defaultAnswer` (OK for an OK-only box).
+  // Answers for MsgBox, in order; when none is queued the box gets Yes (OK
+  // for an OK-only box).
   void QueueAnswer(int answer) { answers_.push_back(answer); }
-  int defaultAnswer = platform::mb::kYes;
 
   void QueueFileHandler(platform::FileHandlerAnswer answer) { fileAnswers_.push_back(std::move(answer)); }
   void QueueOpenFile(std::optional<std::string> path) { openFiles_.push_back(std::move(path)); }
@@ -39,7 +38,6 @@ class FakeUi : public platform::Ui {
   // What the core showed and asked, in order.
   std::vector<AskedBox> boxes;
   std::vector<platform::FileHandlerQuestion> fileQuestions;
-  std::vector<std::string> pickerTitles;
   std::vector<std::string> browseTitles;
   std::vector<platform::FormView> forms;
 

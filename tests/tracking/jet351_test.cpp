@@ -9,30 +9,17 @@
 namespace sentrune::tracking_test {
 namespace {
 
-using Rows = std::vector<std::vector<std::string>>;
-using Strings = std::vector<std::string>;
-using testing::FakeFileSystem;
 using testing::FsOp;
 
-class TrackingDb : public ::testing::Test {
+class TrackingDb : public ::testing::Test, protected TrackingWorld {
  protected:
   static constexpr const char* kDb = "C:\\Work\\Grid.stn";
 
-  void SetUp() override {
-    addin.files().AddFolder("C:\\Work");
-    jet.SetCurrentDBName(kDb);
-  }
-  FakeFileSystem& files() { return addin.files(); }
-  Rows Table(const std::string& sql) { return Query(files().Contents(kDb).value(), sql); }
+  TrackingDb() { jet.SetCurrentDBName(kDb); }
+  Rows Table(const std::string& sql) { return TrackingWorld::Table(kDb, sql); }
   void CreateDatabase() { ASSERT_EQ(jet.SaveDBSetting("Created", "1"), 0); }
-  Strings Titles() {
-    Strings titles;
-    for (const auto& box : addin.ui.boxes) titles.push_back(box.title);
-    return titles;
-  }
 
-  testing::TestAddin addin;
-  clsJet351 jet{addin.state};
+  clsJet351 jet{state};
 };
 
 TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCase) {
@@ -46,7 +33,7 @@ TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCase) {
   EXPECT_EQ(jet.GetDBSetting("ReleaseBackupBase"), "");
   EXPECT_EQ(Table("SELECT SettingID, SettingName, SettingValue FROM Settings"),
             (Rows{{"1", "CompatBase", "C:\\Other\\"}, {"2", "SnapshotBase", "D:\\Snaps\\"}}));
-  EXPECT_TRUE(addin.ui.boxes.empty());
+  EXPECT_TRUE(ui.boxes.empty());
 
   // Names are framed in quotes without escaping and hold 50 characters: both
   // must fail cleanly rather than write a wrong row.
@@ -54,9 +41,9 @@ TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCase) {
   EXPECT_EQ(jet.SaveDBSetting("Bob's", "x"), jeterr::kSyntaxInCriteria);
   EXPECT_EQ(jet.GetDBSetting("Bob's"), "");
   EXPECT_EQ(Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting"}));
-  EXPECT_EQ(addin.ui.boxes[1].style, platform::mb::kCritical);
+  EXPECT_EQ(ui.boxes[1].style, platform::mb::kCritical);
   EXPECT_EQ(Table("SELECT count(*) FROM Settings"), (Rows{{"2"}}));
-  EXPECT_FALSE(addin.state.err.pending());
+  EXPECT_FALSE(state.err.pending());
 }
 
 TEST_F(TrackingDb, BuildHistoryRecordsTheBuiltFilesTime) {
@@ -68,29 +55,34 @@ TEST_F(TrackingDb, BuildHistoryRecordsTheBuiltFilesTime) {
   EXPECT_EQ(Titles(), Strings{"clsJet351:AddBuildHistory"});
 }
 
-TEST_F(TrackingDb, TimerJobsRoundTripThroughTimeLog) {
+TEST_F(TrackingDb, TimerJobsRoundTripThroughTimeLogAndOnlyTheNamedOneRuns) {
   CreateDatabase();
-  testing::FakeClock& clock = addin.env.Time();
   jet.ComponentName("Form1");
-  clock.Advance(90);
+  Advance(90);
   jet.ComponentName("Class1");
-  clock.Advance(30);
+  Advance(30);
   jet.SaveTimerJobs();
-  clock.Advance(15);
+  Advance(15);
   jet.SaveTimerJobs();  // the running job's row is edited, not added again
   EXPECT_EQ(Table("SELECT EventID, ProjCompID, ElapsedSeconds FROM TimeLog"),
             (Rows{{"1", "Form1", "90"}, {"2", "Class1", "45"}}));
+  jet.ComponentName("form1");  // keys ignore case
+  ASSERT_EQ(jet.TimerJobs().size(), 2u);
+  EXPECT_TRUE(jet.TimerJobs().at(0).Running());
+  EXPECT_FALSE(jet.TimerJobs().at(1).Running());
+  jet.ComponentName("");  // stops every job and starts none
+  EXPECT_FALSE(jet.TimerJobs().at(0).Running());
 
-  clsJet351 reloaded(addin.state);
+  clsJet351 reloaded(state);
   reloaded.SetCurrentDBName(kDb);
-  reloaded.TimerJobs().Add("FORM1", clsTimerJob(clock, "FORM1"));
+  reloaded.TimerJobs().Add("FORM1", clsTimerJob(env.Time(), "FORM1"));
   reloaded.LoadTimerJobs();
   ASSERT_EQ(reloaded.TimerJobs().size(), 2u);
   // A job in memory already keeps its own total.
   EXPECT_EQ(reloaded.TimerJobs().at(0).ElapsedSeconds(), 0);
   EXPECT_EQ(reloaded.TimerJobs().at(1).ElapsedSeconds(), 45);
   EXPECT_FALSE(reloaded.TimerJobs().at(1).Running());
-  EXPECT_TRUE(addin.ui.boxes.empty());
+  EXPECT_TRUE(ui.boxes.empty());
 }
 
 TEST_F(TrackingDb, StoredTotalsReadAsTheirLeadingWholeNumber) {
@@ -118,7 +110,7 @@ TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobs) {
   jet.TimerJobs().at(0).SetChanged(false);
   files().ClearRecord();
   jet.SaveTimerJobs();
-  for (const std::string& written : files().Record().written) EXPECT_EQ(written, addin.state.trace.path());
+  for (const std::string& written : files().Record().written) EXPECT_EQ(written, state.trace.path());
   EXPECT_TRUE(files().Record().renames.empty());
 }
 
@@ -127,9 +119,9 @@ TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
   for (const char* key : {"Form1", "O'Brien", "Zeta"}) jet.AddTimerJob(key).SetChanged(true);
   jet.SaveTimerJobs();
   EXPECT_EQ(Table("SELECT ProjCompID FROM TimeLog"), (Rows{{"Form1"}}));
-  ASSERT_EQ(addin.ui.boxes.size(), 1u);
-  EXPECT_EQ(addin.ui.boxes[0].title, "clsJet351:SaveTimerJobs");
-  EXPECT_EQ(addin.ui.boxes[0].prompt.rfind("Error 3077\r\n", 0), 0u);
+  ASSERT_EQ(ui.boxes.size(), 1u);
+  EXPECT_EQ(ui.boxes[0].title, "clsJet351:SaveTimerJobs");
+  EXPECT_EQ(ui.boxes[0].prompt.rfind("Error 3077\r\n", 0), 0u);
 
   // Text that only parses once the criterion is bracketed must fail too,
   // rather than match every row.
@@ -139,12 +131,12 @@ TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
   injected.SetChanged(true);
   jet.SaveTimerJobs();
   EXPECT_EQ(Table("SELECT ProjCompID, ElapsedSeconds FROM TimeLog"), (Rows{{"Form1", "0"}}));
-  EXPECT_EQ(addin.ui.boxes.size(), 2u);
+  EXPECT_EQ(ui.boxes.size(), 2u);
 }
 
 TEST_F(TrackingDb, AFileThatIsNoDatabaseFailsEachOperationCleanly) {
   for (const std::string& bytes : {std::string("This is not a database, just text.\r\n"), std::string()}) {
-    addin.ui.boxes.clear();
+    ui.boxes.clear();
     files().AddFile(kDb, bytes);
     jet.TimerJobs().Clear();
     jet.AddTimerJob("Form1").SetChanged(true);
@@ -193,7 +185,6 @@ TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
 
   // Less than a second gained, or stopping a stopped job, changes nothing.
   job.SetRunning(false);
-  job.SetChanged(false);
   job.SetRunning(true);
   job.SetChanged(false);
   const rt::DateTime started = job.StartTime();
@@ -204,23 +195,6 @@ TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
   EXPECT_EQ(job.ElapsedSeconds(), 116);
   EXPECT_EQ(job.StartTime(), started);
   EXPECT_FALSE(job.Changed());
-}
-
-TEST(ComponentName, LeavesExactlyTheNamedJobRunning) {
-  testing::TestAddin addin;
-  clsJet351 jet(addin.state);
-  jet.ComponentName("Form1");
-  addin.env.Time().Advance(5);
-  jet.ComponentName("Class1");
-  addin.env.Time().Advance(7);
-  jet.ComponentName("form1");  // keys ignore case
-  ASSERT_EQ(jet.TimerJobs().size(), 2u);
-  EXPECT_TRUE(jet.TimerJobs().at(0).Running());
-  EXPECT_FALSE(jet.TimerJobs().at(1).Running());
-  EXPECT_EQ(jet.TimerJobs().at(1).ElapsedSeconds(), 7);
-  jet.ComponentName("");  // stops every job and starts none
-  ASSERT_EQ(jet.TimerJobs().size(), 2u);
-  EXPECT_FALSE(jet.TimerJobs().at(0).Running());
 }
 
 }  // namespace

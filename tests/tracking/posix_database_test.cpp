@@ -2,33 +2,30 @@
 // FileSystem must be a database file that the engine opens on its own.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "platform/ini/ini_file.h"
-#include "platform/tlb/typelib_source_portable.h"
 #include "platform/pe/version_resources_portable.h"
 #include "platform/posix/posix_env.h"
+#include "platform/tlb/typelib_source_portable.h"
 #include "support/fake_ui.h"
+#include "support/temp_folder.h"
 #include "tracking/jet351.h"
 
 namespace sentrune::tracking_test {
 namespace {
 
-namespace fs = std::filesystem;
-
 TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
-  const fs::path folder = fs::temp_directory_path() / ("sentrune-tracking-" + std::to_string(getpid()));
-  fs::create_directories(folder / "home");
-  std::ofstream(folder / "Grid.dll") << "MZ";
+  testing::TempFolder folder;
+  folder.Write("Grid.dll", "MZ");
+  folder.MakeFolder("home");
   {
     posix::PosixEnvOptions options;
-    options.homeHostDir = (folder / "home").string();
-    options.wineprefix = (folder / "no-prefix").string();
-    options.drives = {{'T', folder.string()}};
+    options.homeHostDir = folder / "home";
+    options.wineprefix = folder / "no-prefix";
+    options.drives = {{'T', folder.path()}};
     posix::PosixEnv env(options);
     testing::FakeUi ui;
     portable::PortableProfileFiles profiles{env.Files()};
@@ -40,7 +37,7 @@ TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
     ASSERT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), 0);
     ASSERT_EQ(jet.SaveDBSetting("SnapshotBase", "T:\\Snaps\\"), 0);
     EXPECT_TRUE(ui.boxes.empty());
-    EXPECT_FALSE(fs::exists(folder / "Grid.stn.tmp"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "Grid.stn.tmp"));
   }
 
   sqlite3* db = nullptr;
@@ -54,7 +51,6 @@ TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
   EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(select, 1)), "T:\\Snaps\\");
   sqlite3_finalize(select);
   sqlite3_close(db);
-  fs::remove_all(folder);
 }
 
 }  // namespace

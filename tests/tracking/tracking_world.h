@@ -1,6 +1,7 @@
 #pragma once
-// What the tracking tests stand on: the add-in over fakes and a look into the
-// bytes of a tracking database.
+// What the tracking tests stand on: the add-in over fakes with a project
+// folder C:\Work, a look into the bytes of a tracking database, and the
+// titles of the boxes shown.
 #include <string>
 #include <vector>
 
@@ -9,16 +10,30 @@
 
 namespace sentrune::tracking_test {
 
+using Rows = std::vector<std::vector<std::string>>;
+using Strings = std::vector<std::string>;
+
 // The rows a query gives on a database file's bytes, every value as text.
-inline std::vector<std::vector<std::string>> Query(const std::string& bytes, const std::string& sql) {
+inline Rows Query(const std::string& bytes, const std::string& sql) {
   SqliteImage db = SqliteImage::Load(bytes, "inspected");
   Statement statement(db, sql);
-  std::vector<std::vector<std::string>> rows;
+  Rows rows;
   while (statement.Step()) {
     std::vector<std::string>& row = rows.emplace_back();
     for (int column = 0; column < statement.ColumnCount(); ++column) row.push_back(statement.Text(column));
   }
   return rows;
 }
+
+struct TrackingWorld : testing::TestAddin {
+  TrackingWorld() { files().AddFolder("C:\\Work"); }
+  Rows Table(const std::string& db, const std::string& sql) { return Query(files().Contents(db).value(), sql); }
+  Strings Titles() const {
+    Strings titles;
+    for (const auto& box : ui.boxes) titles.push_back(box.title);
+    return titles;
+  }
+  void Advance(double seconds) { env.Time().Advance(seconds); }
+};
 
 }  // namespace sentrune::tracking_test

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "platform/ini/ini_file.h"
 #include "platform/pe/pe_image.h"
@@ -14,6 +13,7 @@
 #include "platform/pe/pe_test_files.h"
 #include "runtime/text.h"
 #include "support/fake_ui.h"
+#include "support/temp_folder.h"
 #include "typelib/parse_tlb.h"
 
 namespace sentrune {
@@ -21,24 +21,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
+posix::PosixEnvOptions HomeIn(const testing::TempFolder& home) {
+  posix::PosixEnvOptions options;
+  options.homeHostDir = home.path();
+  return options;
+}
+
 class RealLibraries : public ::testing::Test {
  protected:
-  RealLibraries()
-      : home_(fs::temp_directory_path() / ("sentrune-real-" + std::to_string(::getpid()))),
-        env_(Options(home_)),
-        profiles_(env_.Files()),
-        versions_(env_.Files()),
-        typelibs_(env_.Files()),
-        state_(Platform{env_, ui_, profiles_, versions_, typelibs_}) {}
-  ~RealLibraries() override { fs::remove_all(home_); }
-
-  static posix::PosixEnvOptions Options(const fs::path& home) {
-    fs::create_directories(home);
-    posix::PosixEnvOptions options;
-    options.homeHostDir = home.string();
-    return options;
-  }
-
   // Reads the file twice; both reads succeed and compare equal.
   void ExpectStable(const fs::path& file) {
     const std::optional<std::string> path = env_.Files().Drives().HostToWindows(file.string());
@@ -52,13 +42,13 @@ class RealLibraries : public ::testing::Test {
     ++read_;
   }
 
-  fs::path home_;
-  posix::PosixEnv env_;
+  testing::TempFolder home_;
+  posix::PosixEnv env_{HomeIn(home_)};
   testing::FakeUi ui_;
-  portable::PortableProfileFiles profiles_;
-  portable::PortableVersionResources versions_;
-  portable::PortableTypeLibSource typelibs_;
-  AddinState state_;
+  portable::PortableProfileFiles profiles_{env_.Files()};
+  portable::PortableVersionResources versions_{env_.Files()};
+  portable::PortableTypeLibSource typelibs_{env_.Files()};
+  AddinState state_{Platform{env_, ui_, profiles_, versions_, typelibs_}};
   int read_ = 0;
 };
 

@@ -1,7 +1,11 @@
 #pragma once
 // The add-in's outside world for type library tests: fakes for files, user,
 // versions and type libraries, a real INI engine over the fake files, and a
-// small VB-style library to start from.
+// small VB-style library to start from; and the committed fixtures read by
+// the real portable readers, "C:\F\<name>" holding
+// tests/fixtures/typelib/<name>.
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,6 +19,7 @@
 #include "support/fake_env.h"
 #include "support/fake_typelib_source.h"
 #include "support/fake_ui.h"
+#include "support/test_addin.h"
 #include "typelib/parse_tlb.h"
 
 namespace sentrune::testing {
@@ -86,5 +91,32 @@ inline platform::TlbLibrary WidgetsLibrary() {
   lib.types.push_back(helper);
   return lib;
 }
+
+inline std::string FixturePath(const std::string& name) {
+  return std::string(SENTRUNE_SOURCE_DIR) + "/tests/fixtures/typelib/" + name;
+}
+
+inline std::string ReadHostFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+struct FixtureWorld : TestAddin {
+  // Copies the fixture in (once) and returns its Windows path.
+  std::string Fixture(const std::string& name) { return AddHostFile(FixturePath(name), name); }
+
+  // Copies a host file in as "C:\F\<name>" (once) and returns that path.
+  std::string AddHostFile(const std::string& hostPath, const std::string& name) {
+    const std::string path = "C:\\F\\" + name;
+    if (!files().Exists(path)) files().AddFile(path, ReadHostFile(hostPath));
+    return path;
+  }
+
+  clsParseTLB Load(const std::string& name) {
+    clsParseTLB model(state);
+    EXPECT_EQ(model.ParseTypeLib(Fixture(name)), 0) << name;
+    return model;
+  }
+};
 
 }  // namespace sentrune::testing

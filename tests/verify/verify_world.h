@@ -2,8 +2,6 @@
 // The verifier's outside world: the type library world's fakes plus a
 // registry in which tests register type libraries, and a headless IDE with
 // the shipped templates in the add-in's folder and a project "App".
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "platform/headless/headless_ide.h"
@@ -11,6 +9,7 @@
 #include "settings/option_set.h"
 #include "support/fake_registry.h"
 #include "typelib/typelib_world.h"
+#include "verify/c_verify_installation.h"
 #include "verify/insert_components.h"
 
 namespace sentrune::testing {
@@ -31,6 +30,12 @@ struct VerifyWorld : TypelibWorld {
     AddComponent(path, tlb::Library("Lib", guid, major, minor));
     versions.Set(path, version);
   }
+  // The first component of the built-in list, registered and installed.
+  void InstallOle() {
+    const VerifyItem& ole = BuiltInVerifyList()[0];
+    Register(ole.guid, "2.0", "C:\\Windows\\System32\\stdole2.tlb");
+    AddLibrary("C:\\Windows\\System32\\stdole2.tlb", ole.guid, 2, 0, {0x00030032, 0x13960000});
+  }
   std::vector<std::string> Prompts() const {
     std::vector<std::string> prompts;
     for (const AskedBox& box : ui.boxes) prompts.push_back(box.prompt);
@@ -39,10 +44,7 @@ struct VerifyWorld : TypelibWorld {
 };
 
 inline std::string ShippedTemplate(const std::string& name) {
-  std::ifstream in(std::string(SENTRUNE_SOURCE_DIR) + "/share/" + name, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
+  return ReadHostFile(std::string(SENTRUNE_SOURCE_DIR) + "/share/" + name);
 }
 
 inline constexpr const char* kWidgetsGuid = "{11111111-0000-0000-0000-000000000001}";

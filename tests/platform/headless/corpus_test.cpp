@@ -1,8 +1,6 @@
 // Real projects written by others, read through the POSIX file system: each
 // opens, and saving one unchanged gives back its bytes. The corpus is read in
 // place; saved copies go to a temporary folder.
-#include <stdlib.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +11,7 @@
 #include "platform/headless/headless_ide.h"
 #include "platform/posix/posix_file_system.h"
 #include "runtime/text.h"
+#include "support/temp_folder.h"
 
 namespace sentrune::headless::test {
 namespace {
@@ -30,17 +29,10 @@ class HeadlessCorpus : public ::testing::Test {
     const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
     if (!fs::is_directory(corpus)) GTEST_SKIP() << "no corpus at " << corpus;
     root_ = fs::canonical(corpus);
-    std::string pattern = (fs::temp_directory_path() / "sentrune-headless-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    temp_ = pattern;
     // S: is the corpus, T: the scratch folder: paths that climb out of a
     // project stop at S:\ and never reach the rest of the machine.
     files_ = std::make_unique<posix::PosixFileSystem>(
-        posix::DriveMap::Build("", {{'S', root_.string()}, {'T', temp_.string()}}));
-  }
-  void TearDown() override {
-    std::error_code ignored;
-    if (!temp_.empty()) fs::remove_all(temp_, ignored);
+        posix::DriveMap::Build("", {{'S', root_.string()}, {'T', temp_.path()}}));
   }
 
   // Corpus files with this extension (any case), relative, in a fixed order.
@@ -64,7 +56,7 @@ class HeadlessCorpus : public ::testing::Test {
   }
 
   fs::path root_;
-  fs::path temp_;
+  testing::TempFolder temp_;
   std::unique_ptr<posix::PosixFileSystem> files_;
 };
 
@@ -83,9 +75,9 @@ TEST_F(HeadlessCorpus, EveryProjectOpensAndSavesUnchanged) {
     const std::string original = HostBytes(root_ / relative);
     EXPECT_EQ(project->Serialize(), original) << relative;
     const std::string folder = std::to_string(++copy);
-    fs::create_directory(temp_ / folder);
+    temp_.MakeFolder(folder);
     ASSERT_TRUE(project->SaveAs("T:\\" + folder + "\\" + relative.filename().string()).ok()) << relative;
-    EXPECT_EQ(HostBytes(temp_ / folder / relative.filename()), original) << relative;
+    EXPECT_EQ(HostBytes(temp_ / (folder + "/" + relative.filename().string())), original) << relative;
   }
 }
 

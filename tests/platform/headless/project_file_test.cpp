@@ -68,7 +68,15 @@ struct ComponentRow {
   bool operator==(const ComponentRow&) const = default;
 };
 
-TEST_F(HeadlessProjectFile, EveryKindOfLine) {
+struct ReferenceRow {
+  std::string name, description, fullPath, guid;
+  int major, minor;
+  bool broken;
+  int kind;
+  bool operator==(const ReferenceRow&) const = default;
+};
+
+TEST_F(HeadlessProjectFile, EveryKindOfLineAndReference) {
   const auto project = Open(kWidgets);
   ASSERT_TRUE(project);
   EXPECT_EQ(project->Type(), platform::vbext_pt_ActiveXDll);
@@ -97,26 +105,14 @@ TEST_F(HeadlessProjectFile, EveryKindOfLine) {
   EXPECT_EQ(project->Objects()[0].version, "2.0");
   EXPECT_TRUE(project->Objects()[1].isProject);
   EXPECT_EQ(project->Objects()[1].file, "..\\Gadgets\\Gadgets.vbp");
-}
 
-struct ReferenceRow {
-  std::string name, description, fullPath, guid;
-  int major, minor;
-  bool broken;
-  int kind;
-  bool operator==(const ReferenceRow&) const = default;
-};
-
-TEST_F(HeadlessProjectFile, ReferencesAreBrokenExactlyWhenTheirFileIsMissing) {
-  const auto project = Open(kWidgets);
-  ASSERT_TRUE(project);
-  std::vector<ReferenceRow> rows;
+  // References are broken exactly when their file is missing.
+  std::vector<ReferenceRow> references;
   for (const auto& r : project->References())
-    rows.push_back({*r->Name(), *r->Description(), *r->FullPath(), *r->Guid(), *r->Major(), *r->Minor(),
-                    *r->IsBroken(), *r->Type()});
+    references.push_back({*r->Name(), *r->Description(), *r->FullPath(), *r->Guid(), *r->Major(), *r->Minor(),
+                          *r->IsBroken(), *r->Type()});
   const int lib = platform::vbext_rk_TypeLib;
-  const std::vector<ReferenceRow> expected{
-      // ".." climbs from the project folder; the drive root stops it.
+  const std::vector<ReferenceRow> expectedReferences{
       // A resource suffix: the module file decides.
       {"MSVBVM60", "Visual Basic runtime objects and procedures", "C:\\Program Files\\VB98\\MSVBVM60.DLL\\3",
        "{000204EF-0000-0000-C000-000000000046}", 6, 0, false, lib},
@@ -129,10 +125,10 @@ TEST_F(HeadlessProjectFile, ReferencesAreBrokenExactlyWhenTheirFileIsMissing) {
       {"Helpers", "Helpers", "C:\\Src\\Widgets\\Lib\\Helpers.dll", "{11111111-2222-3333-4444-555555555555}", 13,
        0, false, lib},
   };
-  ASSERT_EQ(rows.size(), 6u);
-  for (const ReferenceRow& row : expected)
-    EXPECT_NE(std::find(rows.begin(), rows.end(), row), rows.end()) << row.guid;
-  EXPECT_EQ(rows[4].kind, platform::vbext_rk_Project);
+  ASSERT_EQ(references.size(), 6u);
+  for (const ReferenceRow& row : expectedReferences)
+    EXPECT_NE(std::find(references.begin(), references.end(), row), references.end()) << row.guid;
+  EXPECT_EQ(references[4].kind, platform::vbext_rk_Project);
 }
 
 TEST(HeadlessProjectRead, BuildFileNameFollowsPath32AndExeName32) {

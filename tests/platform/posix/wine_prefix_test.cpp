@@ -3,7 +3,6 @@
 // runs. Setting a prefix up takes Wine half a minute, so this is one test
 // with one prefix; it is skipped where Wine is not installed.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -15,6 +14,7 @@
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/wine_server.h"
 #include "platform/posix/wine_server_registry.h"
+#include "support/temp_folder.h"
 
 namespace sentrune {
 namespace {
@@ -26,19 +26,14 @@ using platform::RegValue;
 // A fresh prefix, its server stopped and the folder removed at the end.
 class WinePrefix {
  public:
-  WinePrefix() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sentrune-prefix-XXXXXX").string();
-    if (mkdtemp(pattern.data())) path_ = pattern;
-  }
   ~WinePrefix() {
     Run("wineserver -k");
     std::error_code ec;
     // Debian's Wine gives each prefix a server base folder of its own.
-    const std::vector<std::string> folders = posix::WineServerFolders(path_);
+    const std::vector<std::string> folders = posix::WineServerFolders(path());
     if (folders.size() == 2) std::filesystem::remove_all(std::filesystem::path(folders[0]).parent_path(), ec);
-    std::filesystem::remove_all(path_, ec);
   }
-  const std::string& path() const { return path_; }
+  const std::string& path() const { return folder_.path(); }
   int Run(const std::string& command) const { return std::system((Env() + command + " >/dev/null 2>&1").c_str()); }
   std::string Query(const std::string& key) const {
     std::string out;
@@ -51,8 +46,8 @@ class WinePrefix {
   }
 
  private:
-  std::string Env() const { return "WINEPREFIX='" + path_ + "' WINEDEBUG=-all DISPLAY= "; }
-  std::string path_;
+  std::string Env() const { return "WINEPREFIX='" + path() + "' WINEDEBUG=-all DISPLAY= "; }
+  testing::TempFolder folder_;
 };
 
 const RegValue kCommand{platform::kRegSz, std::string("\"C:\\VB98\\VB6.EXE\" \"%1\"\0", 24)};

@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +11,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "support/temp_folder.h"
 
 namespace sentrune::posix {
 namespace {
@@ -21,9 +22,6 @@ namespace fs = std::filesystem;
 class WineServerProbe : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "sentrune-wineserver-XXXXXX").string();
-    ASSERT_TRUE(mkdtemp(pattern.data()));
-    tmp_ = pattern;
     prefix_ = tmp_ + "/prefix";
     fs::create_directories(prefix_);
     struct stat info;
@@ -35,8 +33,6 @@ class WineServerProbe : public ::testing::Test {
   }
   void TearDown() override {
     if (lockFd_ >= 0) close(lockFd_);
-    std::error_code ec;
-    fs::remove_all(tmp_, ec);
   }
   // A server folder with its socket and lock file, the lock held by us.
   void RunServerIn(const std::string& folder, bool holdLock = true) {
@@ -50,7 +46,8 @@ class WineServerProbe : public ::testing::Test {
     EXPECT_EQ(fcntl(lockFd_, F_SETLK, &lock), 0);
   }
 
-  std::string tmp_, prefix_, server_;
+  testing::TempFolder temp_;
+  std::string tmp_ = temp_.path(), prefix_, server_;
   int lockFd_ = -1;
 };
 

@@ -9,7 +9,7 @@
 #include <set>
 #include <tuple>
 
-#include "msft_test_files.h"
+#include "tlb_test_files.h"
 #include "platform/pe/pe_image.h"
 #include "platform/tlb/typelib_projection.h"
 
@@ -237,32 +237,29 @@ class Library {
   }
 };
 
-TEST(ProjectionRules, UnresolvableTypesGiveCode29WithoutAName) {
+TEST(ProjectionRules, ParameterTypesThroughPointersAliasesAndBrokenReferences) {
   Library lib;
   lib.Add("Decimal", TypeKind::kAlias).aliasType = 0;  // typedef Decimal Decimal
   ASSERT_EQ(lib.Local(0), 0);
-  const TlbType unresolved{vt::kUserDefined, ""};
-  EXPECT_EQ(lib.ParamType(0), unresolved);
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, 0)), (TlbType{vt::kByRefFlag | vt::kUserDefined, ""}));
-  EXPECT_EQ(lib.ParamType(12345), unresolved);
-  EXPECT_EQ(lib.ParamType(lib.Imported("", TypeKind::kInterface)), unresolved);
-  EXPECT_EQ(lib.ParamType(lib.Imported("NotStdole", TypeKind::kAlias)), unresolved);
-  // Known imported types keep their names; pointers to them are the object reference.
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("Recordset", TypeKind::kDispatch))),
-            (TlbType{0, "Recordset"}));
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Imported("OLE_COLOR", TypeKind::kAlias))),
-            (TlbType{vt::kByRefFlag | vt::kUI4, ""}));
-}
-
-TEST(ProjectionRules, PointerLevelsAndAliasesOfObjects) {
-  Library lib;
   lib.Add("IThing", TypeKind::kInterface);
-  lib.Add("ThingAlias", TypeKind::kAlias).aliasType = lib.Local(0);
   lib.Add("Point", TypeKind::kRecord);
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Desc(vt::kPtr, lib.Local(0)))), (TlbType{vt::kByRefFlag, "IThing"}));
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(1))), (TlbType{0, "IThing"}));
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kPtr, lib.Local(2))), (TlbType{vt::kByRefFlag, "Point"}));
-  EXPECT_EQ(lib.ParamType(lib.Desc(vt::kCArray, lib.Local(2))), (TlbType{vt::kArrayFlag, "Point"}));
+  lib.Add("ThingAlias", TypeKind::kAlias).aliasType = lib.Local(1);
+  const TlbType unresolved{vt::kUserDefined, ""};
+  const std::pair<int32_t, TlbType> cases[] = {
+      // What cannot be resolved gives code 29 without a name.
+      {0, unresolved},
+      {lib.Desc(vt::kPtr, 0), {vt::kByRefFlag | vt::kUserDefined, ""}},
+      {12345, unresolved},
+      {lib.Imported("", TypeKind::kInterface), unresolved},
+      {lib.Imported("NotStdole", TypeKind::kAlias), unresolved},
+      // Known imported types keep their names; pointers to them are the object reference.
+      {lib.Desc(vt::kPtr, lib.Imported("Recordset", TypeKind::kDispatch)), {0, "Recordset"}},
+      {lib.Desc(vt::kPtr, lib.Imported("OLE_COLOR", TypeKind::kAlias)), {vt::kByRefFlag | vt::kUI4, ""}},
+      {lib.Desc(vt::kPtr, lib.Desc(vt::kPtr, lib.Local(1))), {vt::kByRefFlag, "IThing"}},
+      {lib.Desc(vt::kPtr, lib.Local(3)), {0, "IThing"}},
+      {lib.Desc(vt::kCArray, lib.Local(2)), {vt::kArrayFlag, "Point"}},
+  };
+  for (const auto& [desc, type] : cases) EXPECT_EQ(lib.ParamType(desc), type) << desc;
 }
 
 TEST(ProjectionRules, LinkPairTakesTheFirstFlaggedInterfaceOnly) {
@@ -361,12 +358,9 @@ TEST(ProjectionRules, EnumValuesAreCutTo32Bits) {
   for (int64_t value : {int64_t{0xFFFFFFFF}, int64_t{0x100000005}, int64_t{-7}}) {
     colors.vars.push_back(RawVar{0, "v", "", 0, 2, -1, platform::TlbValue{vt::kI8, value, 0, ""}});
   }
-  const TlbLibrary projected = ProjectLibrary(lib.raw);
-  const auto& variables = projected.types[0].variables;
-  ASSERT_EQ(variables.size(), 3u);
-  EXPECT_EQ(variables[0].value->integer, -1);
-  EXPECT_EQ(variables[1].value->integer, 5);
-  EXPECT_EQ(variables[2].value->integer, -7);
+  std::vector<int64_t> values;
+  for (const TlbMember& variable : ProjectLibrary(lib.raw).types[0].variables) values.push_back(variable.value->integer);
+  EXPECT_EQ(values, (std::vector<int64_t>{-1, 5, -7}));
 }
 
 }  // namespace
