@@ -20,18 +20,18 @@ std::string InsertControlCaption(const std::string& alignControl) { return "&Add
 std::vector<MenuEntry> MenuEntries(const std::string& verifyClass, const std::string& alignControl,
                                    bool withMagnifier) {
   std::vector<MenuEntry> entries = {
-      {MenuCommand::kReferences, "&Show References", false, false, "refs"},
-      {MenuCommand::kInspect, "&Inspect Components", false, false, "inspect, compare"},
-      {MenuCommand::kShowTimer, kElapsedTimes, false, false, "times"},
-      {MenuCommand::kProjectSnapshot, "&Project Snapshot", false, false, "snapshot"},
-      {MenuCommand::kUtilities, "&Utilities", true, false, ""},
-      {MenuCommand::kInsertClass, InsertClassCaption(verifyClass), false, true, "verify-class"},
-      {MenuCommand::kInsertUserControl, InsertControlCaption(alignControl), false, true, "add-align-control"},
-      {MenuCommand::kShowMagnifier, "Show &Magnifier", false, true, ""},
-      {MenuCommand::kParse4ABS, "Fix A&BS Paths", true, true, "fix-paths"},
-      {MenuCommand::kFixAssociations, "&Fix VB Associations", false, true, "fix-associations"},
-      {MenuCommand::kOptions, "Sentrune &Options", true, false, "options"},
-      {MenuCommand::kAbout, "Abo&ut", true, false, "--version"},
+      {MenuCommand::kReferences, "&Show References", false, false},
+      {MenuCommand::kInspect, "&Inspect Components", false, false},
+      {MenuCommand::kShowTimer, kElapsedTimes, false, false},
+      {MenuCommand::kProjectSnapshot, "&Project Snapshot", false, false},
+      {MenuCommand::kUtilities, "&Utilities", true, false},
+      {MenuCommand::kInsertClass, InsertClassCaption(verifyClass), false, true},
+      {MenuCommand::kInsertUserControl, InsertControlCaption(alignControl), false, true},
+      {MenuCommand::kShowMagnifier, "Show &Magnifier", false, true},
+      {MenuCommand::kParse4ABS, "Fix A&BS Paths", true, true},
+      {MenuCommand::kFixAssociations, "&Fix VB Associations", false, true},
+      {MenuCommand::kOptions, "Sentrune &Options", true, false},
+      {MenuCommand::kAbout, "Abo&ut", true, false},
   };
   if (!withMagnifier) std::erase_if(entries, [](const MenuEntry& e) { return e.command == MenuCommand::kShowMagnifier; });
   return entries;

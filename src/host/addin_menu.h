@@ -50,8 +50,6 @@ struct MenuEntry {
   std::string caption;  // with its "&" accelerator
   bool beginGroup = false;
   bool inUtilities = false;  // an item of the "&Utilities" pop-up
-  // The command-line command doing the same; empty when there is none.
-  std::string cliCommand;
 };
 
 // The items under the top pop-up, in menu order, with the captions the
