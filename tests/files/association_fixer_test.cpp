@@ -1,10 +1,10 @@
-// The association fixer over a fake registry and a scripted user.
+// The association fixer over the Wine-prefix store in memory and a scripted user.
 #include "files/association_fixer.h"
 
 #include <gtest/gtest.h>
 
-#include "support/fake_registry.h"
 #include "support/test_addin.h"
+#include "support/test_registry.h"
 
 namespace sentrune::testing {
 namespace {
@@ -14,7 +14,7 @@ constexpr const char* kVb6 = "C:\\Program Files\\Microsoft Visual Studio\\VB98\\
 const std::string kCommand = std::string("\"") + kVb6 + "\" \"%1\"";
 
 struct FixerWorld : TestAddin {
-  FakeRegistry registry;
+  TestRegistry registry;
   FixerWorld() {
     env.SetTempPath("C:\\Temp\\");
     files().AddFile(kVb6, "");

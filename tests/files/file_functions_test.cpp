@@ -20,8 +20,11 @@ constexpr const char* kComponent = "C:\\Src\\Widgets\\Widgets.dll";
 constexpr const char* kBackup = "C:\\Src\\Widgets\\History\\Widgets-2004.05.06-14.03.09.dll";
 const std::string kBatch = std::string(testing::FakeEnv::kDesktop) + "\\Copy Widgets.bat";
 
-// Names in the default backup folder are checked through whole builds.
-TEST(BackupName, TakesTheComponentsOwnTimeAndAFolderNameWithoutBackslash) {
+// Backup names take the component's own time and a folder name without its
+// backslash (names in the default folder are checked through whole builds).
+// Relative paths count a project file as its folder and keep the caller's
+// spelling; with nothing to relate to, the target stays as written.
+TEST(Paths, BackupNamesAndRelativePaths) {
   FilesWorld w;
   w.files().AddFile(kComponent, "new", kBuilt);
   w.env.Time().Set({2011, 1, 2, 3, 4, 5});
@@ -30,6 +33,17 @@ TEST(BackupName, TakesTheComponentsOwnTimeAndAFolderNameWithoutBackslash) {
             "C:\\Src\\Widgets\\Old\\Widgets-2004.05.06-14.03.09.dll");
   EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, "C:\\Src\\Gone.dll", ""), "");
   EXPECT_FALSE(lfncFileExists(w.files(), "C:\\Src\\Widgets"));  // a folder is no file
+
+  const std::string project = "C:\\Src\\App\\App.vbp";
+  for (const char* file : {"C:\\Src\\App\\App.vbp", "C:\\Src\\Lib\\Widget.cls", "C:\\Src\\App\\Forms\\Main.frm",
+                           "D:\\Shared\\Lib.tlb"})
+    w.files().AddFile(file, "");
+  EXPECT_EQ(lfncRelativePath(w.files(), project, "c:\\src\\lib\\widget.cls"), "..\\lib\\widget.cls");
+  EXPECT_EQ(lfncRelativePath(w.files(), project, "C:\\Src\\App\\Forms\\Main.frm"), "Forms\\Main.frm");
+  for (const char* target : {"D:\\Shared\\Lib.tlb", "C:\\Src\\Lib\\Gone.cls"})
+    EXPECT_EQ(lfncRelativePath(w.files(), project, target), target);
+  EXPECT_EQ(lfncRelativePath(w.files(), "C:\\Src\\App\\Gone.vbp", "C:\\Src\\Lib\\Widget.cls"),
+            "C:\\Src\\Lib\\Widget.cls");
 }
 
 TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilentAndAMissingFolderSkipsTheCopy) {
@@ -58,7 +72,7 @@ TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilentAndAMissingFolderSkips
 
 // A target that cannot be deleted is handed to a batch file for later, and
 // nothing is copied now.
-TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFile) {
+TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFileWhenAllowed) {
   FilesWorld w;
   const std::string source = "C:\\100%\\%PATH%\\Widgets.dll", target = "C:\\Caf\xC3\xA9 1\\Widgets.dll";
   w.files().AddFile(source, "new");
@@ -75,16 +89,15 @@ TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFile) {
             "@xcopy \"C:\\100%%\\%%PATH%%\\Widgets.dll\" \"C:\\Caf\xE9 1\\Widgets.dll\" /f\r\n@Pause\r\n");
   EXPECT_EQ(w.ui.boxes[1].prompt, "Sentrune created the following file:\r\n" + kBatch +
                                       "\r\nDouble click the file above after shutting VB down");
-}
 
-TEST(DeferredCopy, NothingIsWrittenWithoutConsentOrDesktop) {
+  // Nothing is written without consent or a desktop.
   FilesWorld off, no, noDesktop;
   off.options.EnableDeferredActions = false;
   no.ui.QueueAnswer(mb::kNo);
   noDesktop.env.SetSpecialFolder(platform::kFolderDesktop, "");
-  for (FilesWorld* w : {&off, &no, &noDesktop}) {
-    lfncDeferredCopy(w->state, w->options, "C:\\a\\Widgets.dll", "C:\\b\\Widgets.dll");
-    EXPECT_TRUE(w->files().Record().written.empty());
+  for (FilesWorld* world : {&off, &no, &noDesktop}) {
+    lfncDeferredCopy(world->state, world->options, "C:\\a\\Widgets.dll", "C:\\b\\Widgets.dll");
+    EXPECT_TRUE(world->files().Record().written.empty());
   }
   EXPECT_TRUE(off.ui.boxes.empty());
 }
@@ -113,22 +126,6 @@ TEST(Rotation, KeepsTheNewestFilesOfTheExtensionWhateverTheirComponent) {
   ASSERT_EQ(w.ui.boxes.size(), 1u);
   EXPECT_EQ(w.ui.boxes[0].title, "modFileFunctions:lfncRotateBackups");
   EXPECT_FALSE(w.state.err.pending());
-}
-
-TEST(RelativePath, ProjectFileCountsAsItsFolder) {
-  FilesWorld w;
-  const std::string project = "C:\\Src\\App\\App.vbp";
-  for (const char* file : {"C:\\Src\\App\\App.vbp", "C:\\Src\\Lib\\Widget.cls", "C:\\Src\\App\\Forms\\Main.frm",
-                           "D:\\Shared\\Lib.tlb"})
-    w.files().AddFile(file, "");
-  // The caller's spelling survives.
-  EXPECT_EQ(lfncRelativePath(w.files(), project, "c:\\src\\lib\\widget.cls"), "..\\lib\\widget.cls");
-  EXPECT_EQ(lfncRelativePath(w.files(), project, "C:\\Src\\App\\Forms\\Main.frm"), "Forms\\Main.frm");
-  // Nothing to relate to: the target stays as written.
-  for (const char* target : {"D:\\Shared\\Lib.tlb", "C:\\Src\\Lib\\Gone.cls"})
-    EXPECT_EQ(lfncRelativePath(w.files(), project, target), target);
-  EXPECT_EQ(lfncRelativePath(w.files(), "C:\\Src\\App\\Gone.vbp", "C:\\Src\\Lib\\Widget.cls"),
-            "C:\\Src\\Lib\\Widget.cls");
 }
 
 TEST(WriteTextFile, ReplacesOrAppendsInWindows1252) {

@@ -5,12 +5,12 @@
 #include "files/reference_list.h"
 #include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
+#include "support/expected_file.h"
 #include "support/test_addin.h"
 
 namespace sentrune::testing {
 namespace {
 
-using Strings = std::vector<std::string>;
 constexpr const char* kFilter = "|vb6.olb|vb5.olb|MSO.DLL|MSADDNDR.DLL|VB6EXT.OLB|";
 
 // A reference whose properties can be set, one of them failing as a broken
@@ -38,27 +38,27 @@ struct FakeReference : platform::Reference {
 
 std::string Read(const FakeReference& reference) {
   const ReferenceRecord r = ReadReference(reference);
-  return r.description + "|" + r.fullPath + "|" + r.guid + "|" + r.kind + "|" + std::to_string(r.minor);
+  return std::to_string(reference.failing) + ": " + r.description + " | " + r.fullPath + " | " + r.guid + " | " +
+         r.kind + " | " + std::to_string(r.minor) + "\n";
 }
 
+// Missing texts are completed. A failing read (by property, in the order
+// above) ends the reading: what was read before it stays, the rest keeps
+// its defaults.
 TEST(ReferenceRecord, MissingTextsAreCompletedAndAFailingReadEndsTheReading) {
   FakeReference reference;
   reference.broken = true;
-  EXPECT_EQ(Read(reference), " - [No description available.] - [Missing/Broken Reference.]|"
-                             "N/A - [Component not registered.]|N/A - [No GUID available.]|External|0");
+  std::string report = Read(reference);
   reference.description = "Widgets";
   reference.fullPath = "C:\\Src\\Widgets.dll";
   reference.guid = "{G}";
   reference.minor = 2;
   reference.type = platform::vbext_rk_Project;
-  EXPECT_EQ(Read(reference), "Widgets - [Missing/Broken Reference.]|C:\\Src\\Widgets.dll|{G}|VBP|2");
-  // What was read before the failure stays; the rest keeps its defaults.
-  reference.failing = FakeReference::kFullPath;
-  EXPECT_EQ(Read(reference), "Widgets - [Error Processing Reference.]|"
-                             "N/A - [Component not registered.]|N/A - [No GUID available.]|External|0");
-  reference.failing = FakeReference::kType;
-  EXPECT_EQ(Read(reference), "Widgets - [Error Processing Reference.] - [Missing/Broken Reference.]|"
-                             "C:\\Src\\Widgets.dll|{G}|External|2");
+  for (int property = FakeReference::kNone; property <= FakeReference::kType; ++property) {
+    reference.failing = static_cast<FakeReference::Property>(property);
+    report += Read(reference);
+  }
+  ExpectMatchesFile(report, "files/reference-records.txt");
 }
 
 TEST(ReferenceFilter, ListedFilesAndTheRuntimeLibraryWhenSwitchedOn) {
@@ -96,74 +96,60 @@ struct ListWorld : TestAddin {
     list.Fill();
     return list;
   }
-  Strings Column(size_t column) const {
-    Strings cells;
-    for (const ReferenceRow& row : list.Rows()) cells.push_back(row.Cells()[column]);
-    return cells;
+  // The project box, then one line a row: its cells and the reference's kind.
+  std::string Grid(const std::string& heading) const {
+    std::string text = "== " + heading + "\nProjects:";
+    for (const std::string& project : list.Projects()) text += " " + project + ";";
+    for (const ReferenceRow& row : list.Rows()) {
+      text += "\n";
+      for (const std::string& cell : row.Cells()) text += cell + " | ";
+      text += row.reference.kind;
+    }
+    return text + "\n";
   }
-
   OptionsHandler handler{state};
   headless::HeadlessIde ide{files()};
   ReferenceList list{state, handler, ide};
 };
 
-TEST(ReferenceList, RowsAreNumberedFromOnePerSelectionAndFilter) {
+// Rows are numbered from one per selection and filter.
+TEST(ReferenceList, GridPerSelectionAndFilterAndTheSavedCsv) {
   ListWorld w;
   w.handler.SaveOption("References_ColWidth3", "2500");
   ReferenceList& list = w.Open("C:\\Src\\App\\App.vbp");
-  EXPECT_EQ(list.Projects(), Strings{"App"});
   EXPECT_EQ(list.colWidths, (std::array<int32_t, 6>{-1, -1, 2500, -1, -1, -1}));
-  ASSERT_EQ(list.Rows().size(), 3u);
-  EXPECT_EQ(list.Rows()[0].Cells(), (Strings{"1", "App", "OLE Automation", "C:\\Windows\\System32\\stdole2.tlb",
-                                             "{00020430-0000-0000-C000-000000000046}", "2.0"}));
-  // The filter drops the IDE's own library; the numbers close up.
-  w.handler.options().ReferenceListFiltered = true;
+  std::string grids = w.Grid("App");
+  w.handler.options().ReferenceListFiltered = true;  // drops the IDE's own library
   list.Fill();
-  EXPECT_EQ(w.Column(0), (Strings{"1", "2"}));
-  EXPECT_EQ(list.Rows()[1].reference.kind, "VBP");
-
+  grids += w.Grid("App filtered");
   ListWorld group;
   ReferenceList& all = group.Open("C:\\Src\\All.vbg");
-  EXPECT_EQ(all.Projects(), (Strings{"-All Projects-", "App", "Lib"}));
-  EXPECT_EQ(group.Column(1), (Strings{"App", "App", "App", "Lib"}));
+  grids += group.Grid("group");
   EXPECT_TRUE(all.SelectProject("lib"));
-  EXPECT_EQ(all.SelectedProject(), "Lib");
-  EXPECT_EQ(group.Column(0), Strings{"1"});
   EXPECT_FALSE(all.SelectProject("Nope"));
+  grids += group.Grid("group, Lib selected");
   EXPECT_EQ(all.SelectedProject(), "Lib");
-}
+  ExpectMatchesFile(grids, "files/references.grid.txt");
 
-TEST(ReferenceList, SavesTheGridAsCsvReplacingAnyFileWithoutAsking) {
-  ListWorld w;
-  ReferenceList& list = w.Open("C:\\Src\\All.vbg");
+  // The CSV replaces any file without asking; the writer trims every value.
   const std::string out = "C:\\Out\\refs.csv";
-  w.files().AddFile(out, "old");
-  ASSERT_TRUE(w.files().SetAttributes(out, 33).ok());
-  ASSERT_EQ(list.SaveList(out), 0);
-  const std::string csv = w.files().Contents(out).value_or("");
-  EXPECT_TRUE(csv.starts_with(" --- Begin Log ---\r\nModel: Unknown,Serial Number: Unknown,Date: ")) << csv;
-  const size_t rows = csv.find("Ref #");
-  ASSERT_NE(rows, std::string::npos) << csv;
-  EXPECT_EQ(csv.substr(rows),
-            "Ref #,Project,Description,Full Path,GUID,TLB Version\r\n"
-            "1,App,OLE Automation,C:\\Windows\\System32\\stdole2.tlb,{00020430-0000-0000-C000-000000000046},2.0\r\n"
-            "2,App,VB6,C:\\VB98\\VB6.OLB,{FCFB3D2E-A0FA-1068-A738-08002B3371B5},6.0\r\n"
-            // The writer trims every value, so the completed description loses its blank.
-            "3,App,- [No description available.],C:\\Src\\Lib\\Lib.vbp,N/A - [No GUID available.],0.0\r\n"
-            "4,Lib,\"Util, \"\"the\"\" helpers - [Missing/Broken Reference.]\",C:\\Gone\\Util.dll,"
-            "{AAAAAAAA-0000-0000-0000-000000000001},1.10\r\n --- End Log ---\r\n");
-  ASSERT_EQ(w.ui.boxes.size(), 1u);  // no overwrite question
-  EXPECT_EQ(w.ui.boxes[0].prompt, "CSV File Saved\r\n" + out);
+  group.files().AddFile(out, "old");
+  ASSERT_TRUE(group.files().SetAttributes(out, 33).ok());
+  all.SelectProject("-All Projects-");
+  ASSERT_EQ(all.SaveList(out), 0);
+  ExpectMatchesFile(group.files().Contents(out).value_or(""), "files/references.csv");
+  ASSERT_EQ(group.ui.boxes.size(), 1u);
+  EXPECT_EQ(group.ui.boxes[0].prompt, "CSV File Saved\r\n" + out);
 
   // The save button adds the extension to the name asked for.
-  w.ui.QueueSaveFile("C:\\Out\\refs2");
-  EXPECT_EQ(list.cmdSaveList_Click(), 0);
-  EXPECT_TRUE(w.files().Exists("C:\\Out\\refs2.csv"));
+  group.ui.QueueSaveFile("C:\\Out\\refs2");
+  EXPECT_EQ(all.cmdSaveList_Click(), 0);
+  EXPECT_TRUE(group.files().Exists("C:\\Out\\refs2.csv"));
   // A folder the writer cannot make: its own error, no saved report.
-  w.ui.boxes.clear();
-  w.files().LimitDrives("C");
-  EXPECT_NE(list.SaveList("Q:\\Out\\refs.csv"), 0);
-  for (const AskedBox& box : w.ui.boxes) EXPECT_EQ(box.prompt.find("CSV File Saved"), std::string::npos);
+  group.ui.boxes.clear();
+  group.files().LimitDrives("C");
+  EXPECT_NE(all.SaveList("Q:\\Out\\refs.csv"), 0);
+  for (const AskedBox& box : group.ui.boxes) EXPECT_EQ(box.prompt.find("CSV File Saved"), std::string::npos);
 }
 
 }  // namespace

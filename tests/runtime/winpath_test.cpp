@@ -8,22 +8,15 @@ namespace sentrune::rt {
 namespace {
 
 TEST(WinPath, SplitsAtTheLastBackslashAndDot) {
-  struct Case {
-    const char *path, *folder, *title, *extension, *stripped;
+  // Folder | title | extension | without extension.
+  const std::pair<const char*, const char*> cases[] = {
+      {"C:\\Src\\Widgets\\Widgets.dll", "C:\\Src\\Widgets\\|Widgets.dll|.dll|C:\\Src\\Widgets\\Widgets"},
+      {"C:\\a.b\\c", "C:\\a.b\\|c|.b\\c|C:\\a"},
+      {"report", "|report||report"},
+      {"a/b.txt", "|a/b.txt|.txt|a/b"},
   };
-  const Case cases[] = {
-      {"C:\\Src\\Widgets\\Widgets.dll", "C:\\Src\\Widgets\\", "Widgets.dll", ".dll", "C:\\Src\\Widgets\\Widgets"},
-      {"C:\\a.b\\c", "C:\\a.b\\", "c", ".b\\c", "C:\\a"},
-      {"report", "", "report", "", "report"},
-      {"a/b.txt", "", "a/b.txt", ".txt", "a/b"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.path);
-    EXPECT_EQ(GetFolder(c.path), c.folder);
-    EXPECT_EQ(GetFileTitle(c.path), c.title);
-    EXPECT_EQ(GetExtension(c.path), c.extension);
-    EXPECT_EQ(StripExtension(c.path), c.stripped);
-  }
+  for (const auto& [path, parts] : cases)
+    EXPECT_EQ(GetFolder(path) + "|" + GetFileTitle(path) + "|" + GetExtension(path) + "|" + StripExtension(path), parts);
   EXPECT_EQ(AddBackslash("C:\\x\\"), "C:\\x\\");
   EXPECT_EQ(AddBackslash(""), "\\");
 }

@@ -1,4 +1,4 @@
-// cRegistry over the in-memory registry: reads that fall back to Default,
+// cRegistry over the Wine-prefix store in memory: reads that fall back to Default,
 // the conversions by stored type, and the errors writes raise. Only what the
 // add-in uses is covered: it writes strings and never deletes or enumerates.
 #include "settings/c_registry.h"
@@ -9,22 +9,22 @@
 #include <vector>
 
 #include "runtime/text.h"
-#include "support/fake_registry.h"
 #include "support/test_addin.h"
+#include "support/test_registry.h"
 
 namespace sentrune {
 namespace {
 
 using platform::kHkeyClassesRoot;
 using platform::kHkeyCurrentUser;
-using testing::RegOp;
+using testing::FsOp;
 using Bytes = std::vector<uint8_t>;
 
 constexpr const char* kKey = "Software\\Sentrune";
 
 class cRegistryTest : public ::testing::Test {
  protected:
-  cRegistryTest() : reg_(addin_.state, fake_) {
+  cRegistryTest() : reg_(addin_.state, registry_) {
     reg_.SetClassKey(kHkeyCurrentUser);
     reg_.SetSectionKey(kKey);
   }
@@ -43,19 +43,19 @@ class cRegistryTest : public ::testing::Test {
   }
 
   testing::TestAddin addin_;
-  testing::FakeRegistry fake_;
+  testing::TestRegistry registry_;
   cRegistry reg_;
 };
 
 TEST_F(cRegistryTest, ReadsFallBackToDefault) {
-  fake_.AddValue(kHkeyCurrentUser, kKey, "Long", {platform::kRegDword, "12345"});
-  fake_.AddString(kHkeyCurrentUser, kKey, "Text", "x");
+  registry_.AddValue(kHkeyCurrentUser, kKey, "Long", {platform::kRegDword, "12345"});
+  registry_.AddString(kHkeyCurrentUser, kKey, "Text", "x");
   EXPECT_EQ(Read("Missing"), RegVariant{});  // an empty Default stays empty
   const RegVariant fallback{std::string("fallback")};
   reg_.SetDefault(fallback);
   EXPECT_EQ(Read("Missing"), fallback);
   EXPECT_EQ(Read("Long"), fallback);  // does not fit 32 bits
-  fake_.FailNext(RegOp::kQuery, "", 5);
+  registry_.files.FailNext(FsOp::kRead, "", rt::errnum::kPermissionDenied);
   EXPECT_EQ(Read("Text"), fallback);
   reg_.SetMachine("\\\\Elsewhere");
   EXPECT_EQ(Read("Text"), fallback);
@@ -77,7 +77,7 @@ TEST_F(cRegistryTest, ReadsByStoredType) {
       {"Short", {platform::kRegDword, "\x07"}, int32_t{7}},
       {"Bin", {platform::kRegBinary, std::string("\x00\xff", 2)}, Bytes{0x00, 0xFF}},
   };
-  for (const auto& c : cases) fake_.AddValue(kHkeyCurrentUser, kKey, c.name, c.stored);
+  for (const auto& c : cases) registry_.AddValue(kHkeyCurrentUser, kKey, c.name, c.stored);
   for (const auto& c : cases) EXPECT_EQ(Read(rt::LCase(c.name)), c.read) << c.name;
 }
 
@@ -87,18 +87,21 @@ TEST_F(cRegistryTest, WritesStringsAsTheyAreAndAFailedWriteRaisesAndWritesNothin
   reg_.SetValueKey("Name");
   reg_.SetValueType(platform::kRegSz);
   ASSERT_TRUE(reg_.SetValue(std::string("%SystemRoot% 50%")).ok());
-  ASSERT_EQ(fake_.Record().setValues.size(), 1u);
-  EXPECT_EQ(fake_.Record().setValues[0].value.data, std::string("%SystemRoot% 50%\0", 17));
+  const auto written = [&] {
+    const auto value = registry_.QueryValue(kHkeyClassesRoot, "VisualBasic.Project\\shell\\open\\command", "Name");
+    return value ? value->data : "<missing>";
+  };
+  EXPECT_EQ(written(), std::string("%SystemRoot% 50%\0", 17));
   EXPECT_FALSE(addin_.state.err.pending());
 
   const std::string text = "Failed to set registry value Key: '-2147483648',Section: "
                            "'VisualBasic.Project\\shell\\open\\command',Key: 'Name' to value: ";
-  fake_.FailNext(RegOp::kSet, "", 5);
+  registry_.files.FailNext(FsOp::kWrite, "", rt::errnum::kDiskFull);
   ExpectRaised(reg_.SetValue(std::string("x")), -2147194455, text + "'x'");
-  EXPECT_NE(reg_.RegistryReason().find("Injected registry failure 5"), std::string::npos);
-  fake_.FailNext(RegOp::kCreate, "", 5);
+  EXPECT_TRUE(reg_.RegistryReason().starts_with("Cannot write the Wine registry file")) << reg_.RegistryReason();
+  registry_.serverRunning = true;  // now creating the key, the first step, fails
   ExpectRaised(reg_.SetValue(std::string("y")), cRegistry::kRegistryError, text + "'y'");
-  EXPECT_EQ(fake_.Record().setValues.size(), 1u);
+  EXPECT_EQ(written(), std::string("%SystemRoot% 50%\0", 17));
 }
 
 }  // namespace

@@ -8,22 +8,16 @@
 
 #include "settings/ini_manager.h"
 #include "settings_harness.h"
+#include "support/expected_file.h"
 
 namespace sentrune {
 namespace {
 
 using test::SettingsHarness;
 
-TEST(IniManager, SharedInstanceIsNamedAfterTheModule) {
-  SettingsHarness h;
-  h.env.SetModuleFolder("D:\\Tools");
-  h.env.SetModuleName("Other");
-  modINIManager module(h.state);
-  EXPECT_EQ(module.GetIniManager().Path(), "D:\\Tools\\Other.ini");
-  EXPECT_EQ(&module.GetIniManager(), &module.GetIniManager());
-}
-
-TEST(IniManager, AbsentKeyInTheSectionGivesTheDefaultButAnEmptyValueStaysEmpty) {
+// An absent key in the section gives the default, an empty value stays
+// empty; writes drop NULs, and a refused write is a result, not an error.
+TEST(IniManager, ReadsWritesAndKeepsTheOutcome) {
   SettingsHarness h;
   modINIManager module(h.state);
   EXPECT_EQ(module.INIGetSetting("Settings", "Key", "fallback"), "fallback");  // no file
@@ -31,20 +25,23 @@ TEST(IniManager, AbsentKeyInTheSectionGivesTheDefaultButAnEmptyValueStaysEmpty) 
   EXPECT_EQ(module.INIGetSetting("Settings", "Key", "fallback"), "");
   EXPECT_EQ(module.INIGetSetting("Settings", "Other", "fallback"), "fallback");
   EXPECT_EQ(module.INIGetSetting("Settings", "Long", ""), std::string(254, 'L'));
-}
 
-TEST(IniManager, WritesDropNulsAndKeepTheirOutcome) {
-  SettingsHarness h;
-  modINIManager module(h.state);
+  ASSERT_TRUE(h.files().DeleteFile(SettingsHarness::kIni).ok());
   module.INISaveSetting("Settings", "Name", std::string("a\0b\0\0c", 6));
   EXPECT_EQ(h.Ini(), "[Settings]\r\nName=abc\r\n");
   EXPECT_TRUE(module.GetIniManager().LastWriteSucceeded());
-
   ASSERT_TRUE(h.files().SetAttributes(SettingsHarness::kIni, 33).ok());
   module.INISaveSetting("Settings", "Name", "changed");
   EXPECT_FALSE(module.GetIniManager().LastWriteSucceeded());
   EXPECT_EQ(h.Ini(), "[Settings]\r\nName=abc\r\n");
-  EXPECT_TRUE(h.ui.boxes.empty());  // a refused write is a result, not an error
+  EXPECT_TRUE(h.ui.boxes.empty());
+
+  // The shared instance is named after the module.
+  h.env.SetModuleFolder("D:\\Tools");
+  h.env.SetModuleName("Other");
+  modINIManager other(h.state);
+  EXPECT_EQ(other.GetIniManager().Path(), "D:\\Tools\\Other.ini");
+  EXPECT_EQ(&other.GetIniManager(), &other.GetIniManager());
 }
 
 class ThrowingProfiles : public platform::ProfileFiles {
@@ -68,19 +65,6 @@ TEST(IniManager, UnexpectedErrorsOfASaveAreReportedNotThrown) {
   EXPECT_EQ(h.ui.boxes[0].title, "modINIManager:INISaveSetting");
   EXPECT_EQ(h.ui.boxes[0].prompt, "store exploded");
   EXPECT_FALSE(state.err.pending());
-}
-
-TEST(OptionLoad, AnEmptyStoreGivesTheReadDefaultsNotTheStartValues) {
-  SettingsHarness h;
-  OptionsHandler handler(h.state);
-  handler.InitOptionDefaults();
-  const OptionSet& o = handler.options();
-  EXPECT_EQ(o.BackupFileCount, 0);
-  handler.LoadOptions();
-  EXPECT_EQ(o.BackupFileCount, 10);
-  EXPECT_EQ(o.SnapAdditionalFiles, "vbw,scc,stn");
-  EXPECT_EQ(o.BackupFolderName, "History\\");
-  EXPECT_EQ(h.Ini(), "<missing>");  // reading writes nothing
 }
 
 TEST(OptionLoad, ConversionsCaseInsensitiveKeysAndTheRulesAfterReading) {
@@ -136,15 +120,21 @@ TEST(OptionLoad, TheFirstBadTextAbandonsTheRest) {
   }
 }
 
+// An empty store gives the read defaults, not the start values, and reading
+// writes nothing; the first run writes the start values once and loads them.
 TEST(FirstRun, WritesTheStartValuesOnceAndLoadsThem) {
   SettingsHarness h;
   OptionsHandler handler(h.state);
   handler.InitOptionDefaults();
+  EXPECT_EQ(handler.options().BackupFileCount, 0);
+  handler.LoadOptions();
+  EXPECT_EQ(handler.options().BackupFileCount, 10);
+  EXPECT_EQ(handler.options().SnapAdditionalFiles, "vbw,scc,stn");
+  EXPECT_EQ(handler.options().BackupFolderName, "History\\");
+  EXPECT_EQ(h.Ini(), "<missing>");
+  handler.InitOptionDefaults();
   LoadOptionsWithFirstRun(handler);
-  const std::string ini = h.Ini();
-  EXPECT_NE(ini.find("\r\nActiveX_OCX_CopyComponents=0\r\nActiveX_OCX_BackupComponents=2\r\n"), std::string::npos);
-  for (const char* absent : {"Standard_EXE_ManageComp", "ClearVBW", "Options_"})
-    EXPECT_EQ(ini.find(absent), std::string::npos) << absent;
+  testing::ExpectMatchesFile(h.Ini(), "settings/first-run.ini");
   EXPECT_EQ(handler.options().BackupFileCount, 0);
 
   h.files().ClearRecord();

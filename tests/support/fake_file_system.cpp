@@ -1,8 +1,5 @@
 #include "support/fake_file_system.h"
 
-#include <cctype>
-
-#include "runtime/text.h"
 #include "runtime/winpath.h"
 
 namespace sentrune::testing {
@@ -41,8 +38,6 @@ std::string KeyOf(const std::string& path) {
   return parsed ? KeyOf(*parsed, parsed->parts.size()) : rt::UCase(path);
 }
 
-bool IsDrive(const std::string& root) { return root.size() == 2 && root[1] == ':'; }
-
 bool IsBelow(const std::string& key, const std::string& folderKey) {
   return key.size() > folderKey.size() && key.compare(0, folderKey.size(), folderKey) == 0 &&
          key[folderKey.size()] == '\\';
@@ -70,52 +65,34 @@ void FakeFileSystem::AddFile(const std::string& path, std::string bytes, rt::Dat
   const std::optional<rt::WinPath> parsed = rt::ParseWinPath(path);
   if (!parsed || parsed->parts.empty()) return;
   AddFolder(rt::GetFolder(rt::JoinWinPath(*parsed)));
-  const std::string parentKey = KeyOf(*parsed, parsed->parts.size() - 1);
-  const auto parent = nodes_.find(parentKey);
+  const auto parent = nodes_.find(KeyOf(*parsed, parsed->parts.size() - 1));
   Node& node = nodes_[KeyOf(*parsed, parsed->parts.size())];
-  node.path = (parent == nodes_.end() ? parsed->root : parent->second.path) + "\\" + parsed->parts.back();
-  node.folder = false;
-  node.bytes = std::move(bytes);
-  node.mtime = mtime;
-}
-
-void FakeFileSystem::LimitDrives(std::string_view letters) {
-  drives_.clear();
-  for (char c : letters) drives_ += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  const std::string& folder = parent == nodes_.end() ? parsed->root : parent->second.path;
+  node = Node{folder + "\\" + parsed->parts.back(), false, std::move(bytes), mtime, node.attributes};
 }
 
 void FakeFileSystem::FailNext(FsOp op, const std::string& path, int32_t errorNumber) {
   failures_.push_back({op, path.empty() ? std::string() : KeyOf(path), errorNumber});
 }
 
-bool FakeFileSystem::Exists(const std::string& path) const {
-  rt::Result<Where> where = Locate(path);
-  return where && where->Present();
-}
+bool FakeFileSystem::Exists(const std::string& path) const { return Locate(path, true).ok(); }
 
 bool FakeFileSystem::IsFolder(const std::string& path) const {
-  rt::Result<Where> where = Locate(path);
+  const rt::Result<Where> where = Locate(path);
   return where && where->Folder();
 }
 
 std::optional<std::string> FakeFileSystem::Contents(const std::string& path) const {
-  rt::Result<Where> where = Locate(path);
-  if (!where || !where->node || where->node->folder) return std::nullopt;
-  return where->node->bytes;
-}
-
-std::vector<std::string> FakeFileSystem::Paths() const {
-  std::vector<std::string> paths;
-  for (const auto& [key, node] : nodes_) paths.push_back(node.path);
-  return paths;
+  const rt::Result<Where> where = Locate(path);
+  return where && where->node && !where->node->folder ? std::optional(where->node->bytes) : std::nullopt;
 }
 
 // --- Lookup
 
-rt::Result<FakeFileSystem::Where> FakeFileSystem::Locate(const std::string& path) const {
+rt::Result<FakeFileSystem::Where> FakeFileSystem::Locate(const std::string& path, bool mustExist) const {
   const std::optional<rt::WinPath> parsed = rt::ParseWinPath(path);
   if (!parsed) return Error(errnum::kBadFileNameOrNumber, path);
-  const bool drive = IsDrive(parsed->root);
+  const bool drive = parsed->root.size() == 2 && parsed->root[1] == ':';
   if (!drives_.empty() && (!drive || drives_.find(parsed->root[0]) == std::string::npos))
     return Error(drive ? errnum::kDiskNotReady : errnum::kPathNotFound, path);
 
@@ -129,19 +106,10 @@ rt::Result<FakeFileSystem::Where> FakeFileSystem::Locate(const std::string& path
     where.parentPath = folder->second.path;
   }
   where.key = KeyOf(*parsed, count);
-  if (count == 0) {
-    where.isRoot = true;
-    return where;
-  }
-  where.name = parsed->parts.back();
-  const auto found = nodes_.find(where.key);
-  if (found != nodes_.end()) where.node = &found->second;
-  return where;
-}
-
-rt::Result<FakeFileSystem::Where> FakeFileSystem::LocateExisting(const std::string& path) const {
-  rt::Result<Where> where = Locate(path);
-  if (where && !where->Present()) return Error(errnum::kFileNotFound, path);
+  where.isRoot = count == 0;
+  if (!where.isRoot) where.name = parsed->parts.back();
+  if (const auto found = nodes_.find(where.key); found != nodes_.end()) where.node = &found->second;  // never a root
+  if (mustExist && !where.Present()) return Error(errnum::kFileNotFound, path);
   return where;
 }
 
@@ -158,45 +126,35 @@ std::optional<rt::VbError> FakeFileSystem::TakeFailure(FsOp op, const std::strin
 }
 
 FakeFileSystem::Node& FakeFileSystem::Create(const Where& where, bool folder) {
-  Node& node = nodes_[where.key];
-  node = Node{where.NewPath(), folder, {}, NowForWrites(), 0};
-  return node;
-}
-
-rt::DateTime FakeFileSystem::NowForWrites() const { return clock_ ? clock_->Now() : kDefaultTime; }
-
-uint32_t FakeFileSystem::AttributesOf(const Node& node) const {
-  if (node.folder) return platform::kAttrDirectory | (node.attributes & (platform::kAttrHidden | platform::kAttrSystem));
-  return platform::kAttrArchive | node.attributes;
+  return nodes_[where.key] = Node{where.NewPath(), folder, {}, NowForWrites(), 0};
 }
 
 // --- Attributes and times
 
 rt::Result<uint32_t> FakeFileSystem::GetAttributes(const std::string& path) const {
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
-  return where->isRoot ? uint32_t{platform::kAttrDirectory} : AttributesOf(*where->node);
+  return where->isRoot ? uint32_t{platform::kAttrDirectory} : where->node->Attributes();
 }
 
 rt::Status FakeFileSystem::SetAttributes(const std::string& path, uint32_t attributes) {
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
-  if (!where->isRoot)
-    nodes_[where->key].attributes =
-        attributes & (platform::kAttrReadOnly | platform::kAttrHidden | platform::kAttrSystem);
+  const uint32_t stored = platform::kAttrReadOnly | platform::kAttrHidden | platform::kAttrSystem;
+  if (!where->isRoot) nodes_[where->key].attributes = attributes & stored;
   record_.attributeSets.emplace_back(path, attributes);
   return {};
 }
 
 rt::Result<rt::DateTime> FakeFileSystem::GetLastWriteTime(const std::string& path) const {
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
   return where->isRoot ? kDefaultTime : where->node->mtime;
 }
 
 rt::Status FakeFileSystem::SetLastWriteTime(const std::string& path, const rt::DateTime& time) {
   if (!time.IsValid()) return Error(errnum::kInvalidProcedureCall, path);
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
   if (!where->isRoot) nodes_[where->key].mtime = time;
   return {};
@@ -206,7 +164,7 @@ rt::Status FakeFileSystem::SetLastWriteTime(const std::string& path, const rt::D
 
 rt::Result<std::string> FakeFileSystem::ReadFile(const std::string& path) const {
   if (auto failure = TakeFailure(FsOp::kRead, path)) return *failure;
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
   if (where->Folder()) return Error(errnum::kPathFileAccessError, path);
   return where->node->bytes;
@@ -226,17 +184,9 @@ rt::Status FakeFileSystem::Put(const std::string& path, std::string_view bytes, 
   return {};
 }
 
-rt::Status FakeFileSystem::WriteFile(const std::string& path, std::string_view bytes) {
-  return Put(path, bytes, false, FsOp::kWrite);
-}
-
-rt::Status FakeFileSystem::AppendFile(const std::string& path, std::string_view bytes) {
-  return Put(path, bytes, true, FsOp::kAppend);
-}
-
 rt::Status FakeFileSystem::DeleteFile(const std::string& path) {
   if (auto failure = TakeFailure(FsOp::kDelete, path)) return *failure;
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
   if (where->Folder()) return Error(errnum::kFileNotFound, path);
   if (where->node->ReadOnly()) return Error(errnum::kPathFileAccessError, path);
@@ -247,7 +197,7 @@ rt::Status FakeFileSystem::DeleteFile(const std::string& path) {
 
 rt::Status FakeFileSystem::RenameReplace(const std::string& from, const std::string& to) {
   if (auto failure = TakeFailure(FsOp::kRename, from, to)) return *failure;
-  rt::Result<Where> source = LocateExisting(from);
+  rt::Result<Where> source = Locate(from, true);
   if (!source) return source.error();
   rt::Result<Where> target = Locate(to);
   if (!target) return target.error();
@@ -282,7 +232,7 @@ rt::Status FakeFileSystem::RenameReplace(const std::string& from, const std::str
 
 rt::Status FakeFileSystem::CopyFile(const std::string& from, const std::string& to, bool failIfExists) {
   if (auto failure = TakeFailure(FsOp::kCopy, from, to)) return *failure;
-  rt::Result<Where> source = LocateExisting(from);
+  rt::Result<Where> source = Locate(from, true);
   if (!source) return source.error();
   if (source->Folder()) return Error(errnum::kPathFileAccessError, from);
   rt::Result<Where> target = Locate(to);
@@ -294,9 +244,7 @@ rt::Status FakeFileSystem::CopyFile(const std::string& from, const std::string& 
   }
   const Node original = *source->node;
   Node& copy = target->node ? nodes_[target->key] : Create(*target, false);
-  copy.bytes = original.bytes;
-  copy.mtime = original.mtime;
-  copy.attributes = original.attributes;  // CopyFile carries the attributes over
+  copy = Node{copy.path, false, original.bytes, original.mtime, original.attributes};  // attributes too, as CopyFile
   record_.copies.emplace_back(from, to);
   return {};
 }
@@ -355,13 +303,13 @@ rt::Result<std::vector<DirEntry>> FakeFileSystem::List(const std::string& patter
   for (auto it = nodes_.lower_bound(folder->key + "\\"); it != nodes_.end() && IsBelow(it->first, folder->key); ++it) {
     if (it->first.find('\\', folder->key.size() + 1) != std::string::npos) continue;
     const std::string name = it->second.path.substr(it->second.path.rfind('\\') + 1);
-    if (rt::WildcardMatch(namePattern, name)) entries.push_back(DirEntry{name, AttributesOf(it->second)});
+    if (rt::WildcardMatch(namePattern, name)) entries.push_back(DirEntry{name, it->second.Attributes()});
   }
   return entries;
 }
 
 rt::Result<std::string> FakeFileSystem::GetLongPathName(const std::string& path) const {
-  rt::Result<Where> where = LocateExisting(path);
+  rt::Result<Where> where = Locate(path, true);
   if (!where) return where.error();
   if (where->isRoot) return where->parentPath + "\\";
   return where->node->path + (where->trailingSlash && where->node->folder ? "\\" : "");

@@ -15,6 +15,7 @@
 
 #include "platform/env.h"
 #include "platform/file_system.h"
+#include "runtime/text.h"
 
 namespace sentrune::testing {
 
@@ -40,7 +41,7 @@ class FakeFileSystem : public platform::FileSystem {
   void AddFolder(const std::string& path);
   // From now on only these drive letters exist ("CT"); other drives fail
   // with 71 and shares with 76.
-  void LimitDrives(std::string_view letters);
+  void LimitDrives(std::string_view letters) { drives_ = rt::UCase(letters); }
   // Files written from now on get this clock's Now (else kDefaultTime).
   void UseClock(const platform::Clock* clock) { clock_ = clock; }
   // The next call of `op` whose path (either path for copy and rename)
@@ -54,8 +55,6 @@ class FakeFileSystem : public platform::FileSystem {
   bool IsFolder(const std::string& path) const;
   // The bytes of a file; nothing for a folder or a missing path.
   std::optional<std::string> Contents(const std::string& path) const;
-  // Every stored file and folder in its stored spelling, sorted ignoring case.
-  std::vector<std::string> Paths() const;
   const FsRecord& Record() const { return record_; }
   void ClearRecord() { record_ = {}; }
 
@@ -65,8 +64,12 @@ class FakeFileSystem : public platform::FileSystem {
   rt::Result<rt::DateTime> GetLastWriteTime(const std::string& path) const override;
   rt::Status SetLastWriteTime(const std::string& path, const rt::DateTime& time) override;
   rt::Result<std::string> ReadFile(const std::string& path) const override;
-  rt::Status WriteFile(const std::string& path, std::string_view bytes) override;
-  rt::Status AppendFile(const std::string& path, std::string_view bytes) override;
+  rt::Status WriteFile(const std::string& path, std::string_view bytes) override {
+    return Put(path, bytes, false, FsOp::kWrite);
+  }
+  rt::Status AppendFile(const std::string& path, std::string_view bytes) override {
+    return Put(path, bytes, true, FsOp::kAppend);
+  }
   rt::Status DeleteFile(const std::string& path) override;
   rt::Status RenameReplace(const std::string& from, const std::string& to) override;
   rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override;
@@ -84,17 +87,21 @@ class FakeFileSystem : public platform::FileSystem {
     rt::DateTime mtime = kDefaultTime;
     uint32_t attributes = 0;  // the stored bits: read-only, hidden, system
     bool ReadOnly() const { return !folder && (attributes & platform::kAttrReadOnly); }
+    // A folder reports only its hidden and system bits; a file is always archive.
+    uint32_t Attributes() const {
+      return folder ? platform::kAttrDirectory | (attributes & (platform::kAttrHidden | platform::kAttrSystem))
+                    : platform::kAttrArchive | attributes;
+    }
   };
   struct Where;
 
-  rt::Result<Where> Locate(const std::string& path) const;
-  rt::Result<Where> LocateExisting(const std::string& path) const;
+  // Fails with 53 for a missing item when `mustExist`.
+  rt::Result<Where> Locate(const std::string& path, bool mustExist = false) const;
   std::optional<rt::VbError> TakeFailure(FsOp op, const std::string& path,
                                          const std::string& other = {}) const;
   rt::Status Put(const std::string& path, std::string_view bytes, bool append, FsOp op);
   Node& Create(const Where& where, bool folder);
-  rt::DateTime NowForWrites() const;
-  uint32_t AttributesOf(const Node& node) const;
+  rt::DateTime NowForWrites() const { return clock_ ? clock_->Now() : kDefaultTime; }
 
   std::map<std::string, Node> nodes_;  // by upper-cased canonical path
   std::string drives_;                 // empty: every drive exists

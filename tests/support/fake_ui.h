@@ -28,11 +28,23 @@ class FakeUi : public platform::Ui {
   void QueueSaveFile(std::optional<std::string> path) { saveFiles_.push_back(std::move(path)); }
   void QueueFolder(std::string folder) { folders_.push_back(std::move(folder)); }
 
-  int MsgBox(const std::string& prompt, int style, const std::string& title) override;
-  platform::FileHandlerAnswer AskFileHandler(const platform::FileHandlerQuestion& question) override;
-  std::optional<std::string> OpenFile(const std::string& title, const std::string& filter) override;
-  std::optional<std::string> SaveFile(const std::string& title, const std::string& filter) override;
-  std::string BrowseForFolder(const std::string& title, const std::string& startFolder) override;
+  int MsgBox(const std::string& prompt, int style, const std::string& title) override {
+    boxes.push_back({prompt, style, title});
+    const bool okOnly = (style & 7) == platform::mb::kOkOnly;
+    return PopOr(answers_, okOnly ? platform::mb::kOk : platform::mb::kYes);
+  }
+  // Unless told otherwise the user agrees and keeps what the dialog proposed.
+  platform::FileHandlerAnswer AskFileHandler(const platform::FileHandlerQuestion& question) override {
+    fileQuestions.push_back(question);
+    return PopOr(fileAnswers_, {platform::mb::kYes, question.destination, std::nullopt, question.commentText,
+                                question.commentsEnabled, question.referencesEnabled});
+  }
+  std::optional<std::string> OpenFile(const std::string&, const std::string&) override { return PopOr(openFiles_, {}); }
+  std::optional<std::string> SaveFile(const std::string&, const std::string&) override { return PopOr(saveFiles_, {}); }
+  std::string BrowseForFolder(const std::string& title, const std::string&) override {
+    browseTitles.push_back(title);
+    return PopOr(folders_, {});
+  }
   void ShowForm(const platform::FormView& form) override { forms.push_back(form); }
 
   // What the core showed and asked, in order.
@@ -42,6 +54,14 @@ class FakeUi : public platform::Ui {
   std::vector<platform::FormView> forms;
 
  private:
+  template <typename T>
+  static T PopOr(std::deque<T>& queue, T fallback) {
+    if (queue.empty()) return fallback;
+    T value = std::move(queue.front());
+    queue.pop_front();
+    return value;
+  }
+
   std::deque<int> answers_;
   std::deque<platform::FileHandlerAnswer> fileAnswers_;
   std::deque<std::optional<std::string>> openFiles_;

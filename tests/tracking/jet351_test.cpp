@@ -1,9 +1,18 @@
-// The tracking database and the stopwatches whose totals it keeps.
+// The tracking database and the stopwatches whose totals it keeps; then the
+// database on a real host folder, whose bytes written through the FileSystem
+// must be a database file that the engine opens on its own.
 #include "tracking/jet351.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
-#include "tracking/timer_job.h"
+#include <filesystem>
+
+#include "platform/ini/ini_file.h"
+#include "platform/pe/version_resources_portable.h"
+#include "platform/posix/posix_env.h"
+#include "platform/tlb/typelib_source_portable.h"
+#include "support/temp_folder.h"
 #include "tracking_world.h"
 
 namespace sentrune::tracking_test {
@@ -22,7 +31,7 @@ class TrackingDb : public ::testing::Test, protected TrackingWorld {
   clsJet351 jet{state};
 };
 
-TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCase) {
+TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCaseAndBuildsAreRecorded) {
   // The first use creates the file through a rename.
   EXPECT_EQ(jet.SaveDBSetting("CompatBase", "C:\\Models\\"), 0);
   EXPECT_EQ(files().Record().renames.front(), std::make_pair(std::string(kDb) + ".tmp", std::string(kDb)));
@@ -40,19 +49,18 @@ TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCase) {
   EXPECT_EQ(jet.SaveDBSetting(std::string(51, 'n'), "x"), jeterr::kFieldTooSmall);
   EXPECT_EQ(jet.SaveDBSetting("Bob's", "x"), jeterr::kSyntaxInCriteria);
   EXPECT_EQ(jet.GetDBSetting("Bob's"), "");
-  EXPECT_EQ(Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting"}));
-  EXPECT_EQ(ui.boxes[1].style, platform::mb::kCritical);
   EXPECT_EQ(Table("SELECT count(*) FROM Settings"), (Rows{{"2"}}));
-  EXPECT_FALSE(state.err.pending());
-}
 
-TEST_F(TrackingDb, BuildHistoryRecordsTheBuiltFilesTime) {
+  // The build history records the built file's time.
   files().AddFile("C:\\Work\\Grid.dll", "MZ", rt::DateTime{2021, 3, 4, 17, 5, 6});
   EXPECT_EQ(jet.AddBuildHistory("C:\\Work\\Grid.dll"), 0);
   EXPECT_EQ(jet.AddBuildHistory("C:\\Work\\Gone.dll"), rt::errnum::kFileNotFound);
   EXPECT_EQ(Table("SELECT BuildEventID, BuildFileName, BuildFileDate FROM BuildHistory"),
             (Rows{{"1", "C:\\Work\\Grid.dll", "2021-03-04 17:05:06"}}));
-  EXPECT_EQ(Titles(), Strings{"clsJet351:AddBuildHistory"});
+  EXPECT_EQ(Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting",
+                               "clsJet351:AddBuildHistory"}));
+  EXPECT_EQ(ui.boxes[1].style, platform::mb::kCritical);
+  EXPECT_FALSE(state.err.pending());
 }
 
 TEST_F(TrackingDb, TimerJobsRoundTripThroughTimeLogAndOnlyTheNamedOneRuns) {
@@ -67,21 +75,15 @@ TEST_F(TrackingDb, TimerJobsRoundTripThroughTimeLogAndOnlyTheNamedOneRuns) {
   EXPECT_EQ(Table("SELECT EventID, ProjCompID, ElapsedSeconds FROM TimeLog"),
             (Rows{{"1", "Form1", "90"}, {"2", "Class1", "45"}}));
   jet.ComponentName("form1");  // keys ignore case
-  ASSERT_EQ(jet.TimerJobs().size(), 2u);
-  EXPECT_TRUE(jet.TimerJobs().at(0).Running());
-  EXPECT_FALSE(jet.TimerJobs().at(1).Running());
+  EXPECT_EQ(Jobs(jet.TimerJobs()), (Strings{"Form1=135 running", "Class1=45"}));  // see TimerJob below
   jet.ComponentName("");  // stops every job and starts none
-  EXPECT_FALSE(jet.TimerJobs().at(0).Running());
+  EXPECT_EQ(Jobs(jet.TimerJobs()), (Strings{"Form1=135", "Class1=45"}));
 
   clsJet351 reloaded(state);
   reloaded.SetCurrentDBName(kDb);
   reloaded.TimerJobs().Add("FORM1", clsTimerJob(env.Time(), "FORM1"));
   reloaded.LoadTimerJobs();
-  ASSERT_EQ(reloaded.TimerJobs().size(), 2u);
-  // A job in memory already keeps its own total.
-  EXPECT_EQ(reloaded.TimerJobs().at(0).ElapsedSeconds(), 0);
-  EXPECT_EQ(reloaded.TimerJobs().at(1).ElapsedSeconds(), 45);
-  EXPECT_FALSE(reloaded.TimerJobs().at(1).Running());
+  EXPECT_EQ(Jobs(reloaded.TimerJobs()), (Strings{"FORM1=0", "Class1=45"}));  // a job in memory keeps its total
   EXPECT_TRUE(ui.boxes.empty());
 }
 
@@ -93,14 +95,11 @@ TEST_F(TrackingDb, StoredTotalsReadAsTheirLeadingWholeNumber) {
   files().AddFile(kDb, db.Serialize());
   jet.LoadTimerJobs();
   // The overflowing total ends the load, as the engine's failures do.
-  ASSERT_EQ(jet.TimerJobs().size(), 2u);
-  EXPECT_EQ(jet.TimerJobs().keyAt(0), "Form1");
-  EXPECT_EQ(jet.TimerJobs().at(0).ElapsedSeconds(), 12);
-  EXPECT_EQ(jet.TimerJobs().keyAt(1), "");
+  EXPECT_EQ(Jobs(jet.TimerJobs()), (Strings{"Form1=12", "=0"}));
   EXPECT_EQ(Titles(), Strings{"clsJet351:LoadTimerJobs"});
 }
 
-TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobs) {
+TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobsAndAFailedWriteLeavesIt) {
   jet.ComponentName("Form1");
   jet.LoadTimerJobs();
   jet.SaveTimerJobs();
@@ -112,6 +111,14 @@ TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobs) {
   jet.SaveTimerJobs();
   for (const std::string& written : files().Record().written) EXPECT_EQ(written, state.trace.path());
   EXPECT_TRUE(files().Record().renames.empty());
+
+  // A failed write-back is reported and leaves the old file.
+  const std::string before = *files().Contents(kDb);
+  files().FailNext(FsOp::kRename, kDb, rt::errnum::kPermissionDenied);
+  EXPECT_EQ(jet.SaveDBSetting("CompatBase", "C:\\Models\\"), rt::errnum::kPermissionDenied);
+  EXPECT_EQ(files().Contents(kDb), before);
+  EXPECT_FALSE(files().Exists(std::string(kDb) + ".tmp"));
+  EXPECT_EQ(Titles(), Strings{"clsJet351:SaveDBSetting"});
 }
 
 TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
@@ -119,9 +126,8 @@ TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
   for (const char* key : {"Form1", "O'Brien", "Zeta"}) jet.AddTimerJob(key).SetChanged(true);
   jet.SaveTimerJobs();
   EXPECT_EQ(Table("SELECT ProjCompID FROM TimeLog"), (Rows{{"Form1"}}));
-  ASSERT_EQ(ui.boxes.size(), 1u);
-  EXPECT_EQ(ui.boxes[0].title, "clsJet351:SaveTimerJobs");
-  EXPECT_EQ(ui.boxes[0].prompt.rfind("Error 3077\r\n", 0), 0u);
+  EXPECT_EQ(Titles(), Strings{"clsJet351:SaveTimerJobs"});
+  EXPECT_TRUE(ui.boxes[0].prompt.starts_with("Error 3077\r\n"));
 
   // Text that only parses once the criterion is bracketed must fail too,
   // rather than match every row.
@@ -152,16 +158,6 @@ TEST_F(TrackingDb, AFileThatIsNoDatabaseFailsEachOperationCleanly) {
     EXPECT_EQ(files().Contents(kDb), bytes);
     EXPECT_TRUE(files().Record().renames.empty());
   }
-}
-
-TEST_F(TrackingDb, AFailedWriteBackIsReportedAndLeavesTheOldFile) {
-  CreateDatabase();
-  const std::string before = *files().Contents(kDb);
-  files().FailNext(FsOp::kRename, kDb, rt::errnum::kPermissionDenied);
-  EXPECT_EQ(jet.SaveDBSetting("CompatBase", "C:\\Models\\"), rt::errnum::kPermissionDenied);
-  EXPECT_EQ(files().Contents(kDb), before);
-  EXPECT_FALSE(files().Exists(std::string(kDb) + ".tmp"));
-  EXPECT_EQ(Titles(), Strings{"clsJet351:SaveDBSetting"});
 }
 
 // Stored totals depend on how the stopwatch has always counted: starting
@@ -195,6 +191,42 @@ TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
   EXPECT_EQ(job.ElapsedSeconds(), 116);
   EXPECT_EQ(job.StartTime(), started);
   EXPECT_FALSE(job.Changed());
+}
+
+TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
+  testing::TempFolder folder;
+  folder.Write("Grid.dll", "MZ");
+  folder.MakeFolder("home");
+  {
+    posix::PosixEnvOptions options;
+    options.homeHostDir = folder / "home";
+    options.wineprefix = folder / "no-prefix";
+    options.drives = {{'T', folder.path()}};
+    posix::PosixEnv env(options);
+    testing::FakeUi ui;
+    portable::PortableProfileFiles profiles{env.Files()};
+    portable::PortableVersionResources versions{env.Files()};
+    portable::PortableTypeLibSource typelibs{env.Files()};
+    AddinState state{Platform{env, ui, profiles, versions, typelibs}};
+    clsJet351 jet(state);
+    jet.SetCurrentDBName("T:\\Grid.stn");
+    ASSERT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), 0);
+    ASSERT_EQ(jet.SaveDBSetting("SnapshotBase", "T:\\Snaps\\"), 0);
+    EXPECT_TRUE(ui.boxes.empty());
+    EXPECT_FALSE(std::filesystem::exists(folder / "Grid.stn.tmp"));
+  }
+
+  sqlite3* db = nullptr;
+  sqlite3_stmt* select = nullptr;
+  ASSERT_EQ(sqlite3_open_v2((folder / "Grid.stn").c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT BuildFileName, (SELECT SettingValue FROM Settings) FROM BuildHistory", -1,
+                               &select, nullptr),
+            SQLITE_OK);
+  ASSERT_EQ(sqlite3_step(select), SQLITE_ROW);
+  EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(select, 0)), "T:\\Grid.dll");
+  EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(select, 1)), "T:\\Snaps\\");
+  sqlite3_finalize(select);
+  sqlite3_close(db);
 }
 
 }  // namespace

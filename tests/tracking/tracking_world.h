@@ -1,12 +1,13 @@
 #pragma once
 // What the tracking tests stand on: the add-in over fakes with a project
-// folder C:\Work, a look into the bytes of a tracking database, and the
-// titles of the boxes shown.
+// folder C:\Work, a look into the bytes of a tracking database, the
+// stopwatches in memory, and the titles of the boxes shown.
 #include <string>
 #include <vector>
 
 #include "support/test_addin.h"
 #include "tracking/sqlite_image.h"
+#include "tracking/timer_job.h"
 
 namespace sentrune::tracking_test {
 
@@ -23,6 +24,15 @@ inline Rows Query(const std::string& bytes, const std::string& sql) {
     for (int column = 0; column < statement.ColumnCount(); ++column) row.push_back(statement.Text(column));
   }
   return rows;
+}
+
+// Each job as "key=seconds", with " running" when it runs.
+inline Strings Jobs(const rt::KeyedCollection<clsTimerJob>& jobs) {
+  Strings shown;
+  for (const auto& entry : jobs)
+    shown.push_back(entry.key() + "=" + std::to_string(entry.item.ElapsedSeconds()) +
+                    (entry.item.Running() ? " running" : ""));
+  return shown;
 }
 
 struct TrackingWorld : testing::TestAddin {

@@ -1,5 +1,10 @@
+// Reading a library into the model: what is kept, folded and dropped, and
+// how failures show. Models are checked whole as JSON against
+// tests/fixtures/typelib/*.model.json.
 #include <gtest/gtest.h>
 
+#include "support/expected_file.h"
+#include "typelib/tlb_json.h"
 #include "typelib/typelib_world.h"
 
 namespace sentrune::testing {
@@ -7,14 +12,6 @@ namespace {
 
 using namespace tlb;
 namespace vt = platform::vt;
-using Strings = std::vector<std::string>;
-
-template <class Collection>
-Strings Keys(const Collection& items) {
-  Strings keys;
-  for (const auto& entry : items) keys.push_back(entry.key());
-  return keys;
-}
 
 // "file.dll\2" is resource 2 of file.dll: date and version are the file's.
 TEST(ParseTypeLib, ReadsLibraryFactsAndFoldsHiddenInterfacesIntoTheirCoclass) {
@@ -23,16 +20,18 @@ TEST(ParseTypeLib, ReadsLibraryFactsAndFoldsHiddenInterfacesIntoTheirCoclass) {
   world.typelibs.Add("C:\\Build\\Widgets.dll\\2", WidgetsLibrary());
   world.versions.Set("C:\\Build\\Widgets.dll", {0x00010002, 0x00030004});
   const clsParseTLB m = world.Load("C:\\Build\\Widgets.dll\\2");
-  EXPECT_EQ(m.TLBVersionString(), "1.0");
-  EXPECT_EQ(m.FileVersionString(), "1.2.3.4");
   EXPECT_EQ(m.FileDate(), (rt::DateTime{2004, 5, 6, 14, 3, 9}));
-
   // The hidden _Widget and __Widget appear only through the coclass.
-  EXPECT_EQ(Keys(m.Classes()), (Strings{"Widget", "IHelper"}));
-  const clsClass& widget = *m.Classes().Find("Widget");
-  EXPECT_EQ(widget.Properties.Find("Get Caption() As String")->MemberHelp, "The caption");
-  EXPECT_EQ(Keys(widget.Methods), (Strings{"Function Find(ByVal Key As String) As Long", "Sub Move(P As Point)"}));
-  EXPECT_EQ(Keys(widget.Events), Strings{"Changed(ByVal Index As Long)"});
+  ExpectMatchesFile(TypeLibJson(m), "typelib/widgets.model.json");
+}
+
+// Compiled by widl: the component file's version resource is read, and
+// hidden or restricted members stay out of the VB-style declarations.
+TEST(ParseTypeLib, CompiledFixtures) {
+  FixtureWorld world;
+  EXPECT_EQ(world.Load("widgets.tlb").FileVersionString(), "0.0.0.0");
+  for (const std::string name : {"widgets.dll", "shapes.tlb"})
+    ExpectMatchesFile(TypeLibJson(world.Load(name)), "typelib/" + name + ".model.json");
 }
 
 TEST(ParseTypeLib, WhatCountsAsTopLevelAndWhichMembersAreKept) {
@@ -56,13 +55,7 @@ TEST(ParseTypeLib, WhatCountsAsTopLevelAndWhichMembersAreKept) {
   lib.types.push_back(TypeInfo("Dup", "coclass", "{F2}"));  // same key: the first one stays
   TypelibWorld world;
   const clsParseTLB m = world.Load("C:\\x.tlb", lib);
-  EXPECT_EQ(Keys(m.Classes()), (Strings{"HiddenDual", "Shape", "Dup"}));
-  EXPECT_EQ(m.Classes().Find("Dup")->ClassGUID, "{F1}");
-  EXPECT_EQ(Keys(m.Classes().Find("Shape")->Methods), Strings{"Sub Shown()"});
-  const clsEnumOrType& shapes = *m.Enums().Find("Shape");
-  EXPECT_EQ(Keys(shapes.Members), (Strings{"Neg", "Twice"}));
-  EXPECT_EQ(shapes.Members.Find("Neg")->MemberValue, -1);
-  EXPECT_EQ(shapes.Members.Find("Twice")->MemberValue, 1);
+  ExpectMatchesFile(TypeLibJson(m), "typelib/top-level.model.json");
 }
 
 TEST(ParseTypeLib, FailuresShowTheirBoxAndReturnTheirNumber) {
@@ -75,14 +68,12 @@ TEST(ParseTypeLib, FailuresShowTheirBoxAndReturnTheirNumber) {
   EXPECT_EQ(m.ParseTypeLib("C:\\Missing.dll"), 53);
   EXPECT_EQ(m.ParseTypeLib("C:\\readme.txt"), rt::errnum::kNotATypeLibrary);
   EXPECT_EQ(m.ParseTypeLib("C:\\broken.tlb"), rt::errnum::kCantLoadTypeLibrary);
-  ASSERT_EQ(world.ui.boxes.size(), 3u);
-  EXPECT_EQ(world.ui.boxes[0].prompt, "Can't find the file\r\n[C:\\Missing.dll]");
-  EXPECT_EQ(world.ui.boxes[1].title, "Not an ActiveX Component");
-  EXPECT_EQ(world.ui.boxes[2].prompt, "Error -2147312566\r\nbad offset");
-  // A reader's error was pending while its box showed, and is cleared after.
-  const std::string trace = world.env.Files().Contents(world.state.trace.path()).value_or("");
-  EXPECT_NE(trace.find("'Title: clsParseTLB:ParseTypeLib"), std::string::npos);
-  EXPECT_EQ(trace.find("File Not Found!"), std::string::npos);
+  // The boxes, then the trace: a reader's error was pending while its box
+  // showed (the missing file's was not), and is cleared after.
+  std::string shown;
+  for (const AskedBox& box : world.ui.boxes) shown += box.title + " | " + std::to_string(box.style) + " | " + box.prompt + "\n";
+  ExpectMatchesFile(shown + "----\n" + world.env.Files().Contents(world.state.trace.path()).value_or(""),
+                    "typelib/failures.txt");
   EXPECT_FALSE(world.state.err.pending());
 }
 

@@ -21,12 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-posix::PosixEnvOptions HomeIn(const testing::TempFolder& home) {
-  posix::PosixEnvOptions options;
-  options.homeHostDir = home.path();
-  return options;
-}
-
 class RealLibraries : public ::testing::Test {
  protected:
   // Reads the file twice; both reads succeed and compare equal.
@@ -43,7 +37,11 @@ class RealLibraries : public ::testing::Test {
   }
 
   testing::TempFolder home_;
-  posix::PosixEnv env_{HomeIn(home_)};
+  posix::PosixEnv env_{[this] {
+    posix::PosixEnvOptions options;
+    options.homeHostDir = home_.path();
+    return options;
+  }()};
   testing::FakeUi ui_;
   portable::PortableProfileFiles profiles_{env_.Files()};
   portable::PortableVersionResources versions_{env_.Files()};

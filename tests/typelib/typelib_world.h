@@ -24,20 +24,24 @@
 
 namespace sentrune::testing {
 
-class FakeVersions : public platform::VersionResources {
- public:
-  void Set(const std::string& path, platform::FileVersion version) { versions_[rt::LCase(path)] = version; }
+// File versions by path, without regard to case; records every path asked.
+struct FakeVersions : platform::VersionResources {
+  void Set(const std::string& path, platform::FileVersion version) { versions[rt::LCase(path)] = version; }
   std::optional<platform::FileVersion> FileVersionOf(const std::string& path) override {
     asked.push_back(path);
-    const auto hit = versions_.find(rt::LCase(path));
-    if (hit == versions_.end()) return std::nullopt;
-    return hit->second;
+    const auto hit = versions.find(rt::LCase(path));
+    return hit == versions.end() ? std::nullopt : std::optional(hit->second);
   }
+  std::map<std::string, platform::FileVersion> versions;
   std::vector<std::string> asked;
-
- private:
-  std::map<std::string, platform::FileVersion> versions_;
 };
+
+// The model of the library at `path`, which must read.
+inline clsParseTLB Parsed(AddinState& state, const std::string& path) {
+  clsParseTLB model(state);
+  EXPECT_EQ(model.ParseTypeLib(path), 0) << path;
+  return model;
+}
 
 class TypelibWorld {
  public:
@@ -55,12 +59,7 @@ class TypelibWorld {
     typelibs.Add(path, std::move(library));
   }
 
-  clsParseTLB Load(const std::string& path) {
-    clsParseTLB model(state);
-    EXPECT_EQ(model.ParseTypeLib(path), 0) << path;
-    return model;
-  }
-
+  clsParseTLB Load(const std::string& path) { return Parsed(state, path); }
   clsParseTLB Load(const std::string& path, platform::TlbLibrary library) {
     AddComponent(path, std::move(library));
     return Load(path);
@@ -112,11 +111,7 @@ struct FixtureWorld : TestAddin {
     return path;
   }
 
-  clsParseTLB Load(const std::string& name) {
-    clsParseTLB model(state);
-    EXPECT_EQ(model.ParseTypeLib(Fixture(name)), 0) << name;
-    return model;
-  }
+  clsParseTLB Load(const std::string& name) { return Parsed(state, Fixture(name)); }
 };
 
 }  // namespace sentrune::testing

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/text.h"
+#include "support/expected_file.h"
 #include "verify/verify_template.h"
 #include "verify/verify_world.h"
 
@@ -28,9 +29,8 @@ TEST(InsertVerifyClass, WritesAddsAndSavesThenRefreshesInPlaceWhenAsked) {
   EXPECT_EQ(InsertClass(w), InsertOutcome::kAdded);
   EXPECT_EQ(w.Prompts(), (Strings{kTlbInfAdded, kRefreshed}));
   EXPECT_NE(w.env.Files().Contents(kClassFile).value_or("").find("\r\nGUID:=\"{11111111-0000-0000-0000-000000000001}\", _\r\n"), std::string::npos);
-  std::string vbp = w.ProjectText();
-  EXPECT_NE(vbp.find("\r\nClass=cVerifyInstallation; cVerifyInstallation.cls\r\n"), std::string::npos);
-  EXPECT_NE(rt::UCase(vbp).find(kTlbInfGuid), std::string::npos);
+  const std::string vbp = w.ProjectText();
+  ExpectMatchesFile(vbp, "verify/App.vbp");
 
   // An edited, read-only copy is kept when declined, replaced when not.
   const std::string edited = "Attribute VB_Name = \"cVerifyInstallation\"\r\n";
@@ -47,8 +47,7 @@ TEST(InsertVerifyClass, WritesAddsAndSavesThenRefreshesInPlaceWhenAsked) {
   // The reference added the first time is found now, so it is not added again.
   EXPECT_EQ(w.Prompts(), (Strings{"cVerifyInstallation already exists. Refresh?", kRefreshed}));
   EXPECT_NE(w.env.Files().Contents(kClassFile), edited);
-  vbp = w.ProjectText();
-  EXPECT_EQ(vbp.find("Class="), vbp.rfind("Class="));
+  EXPECT_EQ(w.ProjectText(), vbp);
 }
 
 TEST(InsertVerifyClass, ReportsWhatStopsIt) {
@@ -101,16 +100,12 @@ TEST(InsertAlignControl, AddsOnceRenamedAndPublicInControlProjects) {
   EXPECT_EQ(exe.Prompts(), Strings{"Failed to add UserControl."});
 }
 
-TEST(VerifyTemplate, ClassTextChangesOnlyTheMarkerAndTheNameAndQuotesItsTexts) {
-  const std::string templateText = rt::Cp1252ToUtf8(ShippedTemplate("VerifyClassTemplate.txt"));
-  ASSERT_NE(templateText.find("\r\n|||\r\n"), std::string::npos);
+// Only the marker and the name change; texts are quoted as VB needs.
+TEST(VerifyTemplate, ClassTextFromTheShippedTemplate) {
   const VerifyBlock a{"Say \"A\"", "{A}", "1.0", "1.0.0.0", "C:\\A.dll"};
   const VerifyBlock b{"B", "{B}", "2.0", "2.0.0.0", "C:\\B.dll"};
-  const std::string text = GenerateVerifyClass(templateText, {a, b}, "cCheck");
-  EXPECT_EQ(text.find("|||"), std::string::npos);
-  EXPECT_NE(text.find("Attribute VB_Name = \"cCheck\"\r\n"), std::string::npos);
-  EXPECT_NE(text.find("FullPath:=\"C:\\A.dll\")"), std::string::npos);
-  EXPECT_LT(text.find("sCompName = \"Say \"\"A\"\"\""), text.find("sCompName = \"B\""));
+  ExpectMatchesFile(GenerateVerifyClass(rt::Cp1252ToUtf8(ShippedTemplate("VerifyClassTemplate.txt")), {a, b}, "cCheck"),
+                    "verify/cCheck.cls");
 }
 
 TEST(VerifyTemplate, ModuleAttributesAreReplacedOrAddedAfterTheHeader) {
@@ -125,6 +120,10 @@ TEST(VerifyTemplate, ModuleAttributesAreReplacedOrAddedAfterTheHeader) {
             "Attribute VB_Name = \"M\"\r\nOption Explicit\r\n");
 }
 
+// Runtime libraries, filtered references and tlbinf32.dll get no block; a
+// broken reference is told about; a project reference is asked about and
+// read from its built component; blocks take the library's name, as the IDE
+// names references.
 TEST(VerifyTemplate, ScanFollowsEveryReferenceRule) {
   ProjectWorld w;
   w.env.Files().AddFile("C:\\Src\\Other\\Other.vbp", "Type=OleDll\r\nName=\"Other\"\r\nExeName32=\"Other.dll\"\r\n");
@@ -138,32 +137,23 @@ TEST(VerifyTemplate, ScanFollowsEveryReferenceRule) {
       "Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\System32\\stdole2.tlb#OLE\r\n"
       "Reference=*\\G{8B217740-717D-11CE-AB5B-D41203C10000}#1.0#0#C:\\Windows\\System32\\TLBINF32.DLL#TLI\r\n" +
       kWidgetsReference);
-  platform::VBProject& app = *w.ide.ActiveVBProject();
-
-  w.ui.QueueAnswer(mb::kOk);  // the broken reference's box
-  w.ui.QueueAnswer(mb::kYes);
-  const ReferenceScan scan = ScanReferences(w.state, w.options, app, w.ide.VBProjects());
-  EXPECT_TRUE(scan.hasTlbInf);
-  ASSERT_EQ(scan.blocks.size(), 2u);
-  EXPECT_EQ(scan.blocks[0].componentName, "Other");
-  EXPECT_EQ(scan.blocks[0].fullPath, "C:\\Src\\Other\\Other.dll");
-  EXPECT_EQ(scan.blocks[1].componentName, "Lib");  // the library's name, as the IDE names references
-  EXPECT_EQ(scan.blocks[1].guid, kWidgetsGuid);
-  EXPECT_EQ(scan.blocks[1].fileVersion, "2.0.3.4");
-  ASSERT_EQ(w.ui.boxes.size(), 2u);
-  EXPECT_EQ(w.ui.boxes[0].prompt, "Reference to 'Missing' is broken.\r\nThis reference will be skipped.");
-  EXPECT_EQ(w.ui.boxes[1].style, 68);
-
-  // Declined, or with no built component, the project reference gets no block.
-  w.ui.QueueAnswer(mb::kOk);
-  w.ui.QueueAnswer(mb::kNo);
-  EXPECT_EQ(ScanReferences(w.state, w.options, app, w.ide.VBProjects()).blocks.size(), 1u);
+  std::string transcript;
+  const auto scan = [&](const char* heading, int answer) {
+    w.ui.boxes.clear();
+    w.ui.QueueAnswer(mb::kOk);  // the broken reference's box
+    w.ui.QueueAnswer(answer);
+    const ReferenceScan r = ScanReferences(w.state, w.options, *w.ide.ActiveVBProject(), w.ide.VBProjects());
+    transcript += std::string("== ") + heading + (r.hasTlbInf ? ", refers to tlbinf32.dll\n" : "\n");
+    for (const VerifyBlock& b : r.blocks)
+      transcript += b.componentName + " | " + b.guid + " | " + b.tlbVersion + " | " + b.fileVersion + " | " +
+                    b.fullPath + "\n";
+    for (const AskedBox& box : w.ui.boxes) transcript += std::to_string(box.style) + ": " + box.prompt + "\n";
+  };
+  scan("project reference accepted", mb::kYes);
+  scan("declined", mb::kNo);
   ASSERT_TRUE(w.env.Files().DeleteFile("C:\\Src\\Other\\Other.dll").ok());
-  w.ui.boxes.clear();
-  w.ui.QueueAnswer(mb::kOk);
-  w.ui.QueueAnswer(mb::kYes);
-  EXPECT_EQ(ScanReferences(w.state, w.options, app, w.ide.VBProjects()).blocks.size(), 1u);
-  EXPECT_EQ(w.ui.boxes.back().prompt, "Reference 'Other' will be skipped");
+  scan("no built component", mb::kYes);
+  ExpectMatchesFile(transcript, "verify/scan.txt");
 }
 
 }  // namespace

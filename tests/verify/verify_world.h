@@ -7,7 +7,7 @@
 #include "platform/headless/headless_ide.h"
 #include "platform/registry.h"
 #include "settings/option_set.h"
-#include "support/fake_registry.h"
+#include "support/test_registry.h"
 #include "typelib/typelib_world.h"
 #include "verify/c_verify_installation.h"
 #include "verify/insert_components.h"
@@ -15,7 +15,7 @@
 namespace sentrune::testing {
 
 struct VerifyWorld : TypelibWorld {
-  FakeRegistry registry;
+  TestRegistry registry;
 
   // HKCR\TypeLib\{guid}\version\locale\win32 = file.
   void Register(const std::string& guid, const std::string& version, const std::string& file,

@@ -12,8 +12,7 @@ using namespace platform::mb;
 struct Console {
   explicit Console(AnswerMode mode, std::string input = {}) : in(std::move(input)), ui(mode, in, out, err) {}
   std::istringstream in;
-  std::ostringstream out;
-  std::ostringstream err;
+  std::ostringstream out, err;
   ConsoleUi ui;
 };
 

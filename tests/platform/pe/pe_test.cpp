@@ -1,6 +1,8 @@
-// PE images, their version resources and the type libraries they carry.
-// Damaged images must give an error or "nothing", never a crash, a hang or a
-// span outside the bytes; run under the sanitizers for full effect.
+// PE images, their version resources and the type libraries they carry: the
+// committed images (tests/fixtures/pe/make-fixtures.sh, and widgets.dll of the
+// type library fixtures) and every DLL Wine installs. Damaged images must give
+// an error or "nothing", never a crash, a hang or a span outside the bytes;
+// run under the sanitizers for full effect.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 #include <string>
 #include <tuple>
 
-#include "pe_builder.h"
 #include "pe_test_files.h"
 #include "platform/pe/byte_reader.h"
 #include "platform/pe/pe_image.h"
@@ -20,16 +21,18 @@
 namespace sentrune::portable {
 namespace {
 
+using testing::FixtureFile;
 using testing::Get16;
 using testing::Get32;
-using testing::PeBuilder;
+using testing::Set16;
 using testing::Set32;
-using testing::ToBytes;
-using testing::VersionInfoBlock;
 using Bytes = std::vector<uint8_t>;
 
 const ResourceId kTypeLib = ResourceId::Named("TYPELIB");
 const ResourceId kVersion = ResourceId::Number(kRtVersion);
+
+// Where the resource directory starts in the file: its section header's raw data offset.
+size_t ResourceSection(const Bytes& image) { return Get32(image, testing::FindText(image, ".rsrc") + 20); }
 
 void Put(testing::FakeFileSystem& files, const std::string& path, const Bytes& bytes) {
   files.AddFile(path, std::string(bytes.begin(), bytes.end()));
@@ -63,16 +66,16 @@ TEST(ByteReader, ReadsLittleEndianOnlyInsideTheBytes) {
 }
 
 TEST(PeImage, RejectsBytesThatAreNotAWellFormedImage) {
-  const Bytes good = PeBuilder().Add(kTypeLib, ResourceId::Number(1), ToBytes("x")).Build();
+  const Bytes good = FixtureFile("pe/lookup64.dll");
   const size_t coff = Get32(good, 0x3C) + 4;
   const std::tuple<const char*, std::function<void(Bytes&)>, bool> cases[] = {
       {"empty", [](Bytes& b) { b.clear(); }, false},
       {"e_lfanew past the end", [](Bytes& b) { Set32(b, 0x3C, 0xFFFFFFF0); }, false},
-      {"no PE signature", [](Bytes& b) { b[0x40] = 'N'; }, false},
+      {"no PE signature", [&](Bytes& b) { b[coff - 4] = 'N'; }, false},
       {"optional header cut off", [&](Bytes& b) { b.resize(coff + 30); }, true},
       {"unknown optional header magic", [&](Bytes& b) { b[coff + 20] = 0x07; }, true},
-      {"section count past the end", [&](Bytes& b) { b[coff + 2] = 0x40; }, true},
-      // The builder writes PE32+, whose data directories start 112 bytes in.
+      {"section count past the end", [&](Bytes& b) { Set16(b, coff + 2, 0xFFFF); }, true},
+      // A PE32+ image's data directories start 112 bytes into its optional header.
       {"resource RVA in no section", [&](Bytes& b) { Set32(b, coff + 20 + 112 + 16, 0x9000); }, true},
   };
   for (const auto& [what, damage, looksLikePe] : cases) {
@@ -85,32 +88,28 @@ TEST(PeImage, RejectsBytesThatAreNotAWellFormedImage) {
   }
 }
 
+// The resource compiler stores names upper-cased, named entries first.
 TEST(PeImage, MatchesNumbersExactlyNamesIgnoringCaseAndTakesTheFirstLanguage) {
-  for (auto arch : {PeBuilder::Arch::kPe32, PeBuilder::Arch::kPe32Plus}) {
-    const auto bytes = PeBuilder(arch)
-                           .Add(kTypeLib, ResourceId::Number(1), ToBytes("german"), 0x407)
-                           .Add(kTypeLib, ResourceId::Number(1), ToBytes("english"), 0x409)
-                           .Add(ResourceId::Number(10), ResourceId::Named("Custom"), ToBytes("custom"))
-                           .Add(ResourceId::Named("typelib"), ResourceId::Number(3), ToBytes("three"))
-                           .Add(ResourceId::Number(10), ResourceId::Number(1), ToBytes("ten"))
-                           .Build();
+  for (const std::string name : {"lookup.dll", "lookup64.dll"}) {
+    const Bytes bytes = FixtureFile("pe/" + name);
     auto image = PeImage::Parse(bytes);
     ASSERT_TRUE(image.ok()) << image.error().description;
-    EXPECT_EQ(image->is64(), arch == PeBuilder::Arch::kPe32Plus);
+    EXPECT_EQ(image->is64(), name == "lookup64.dll");
     const std::tuple<ResourceId, ResourceId, const char*> lookups[] = {
         {kTypeLib, ResourceId::Number(1), "german"},
         {ResourceId::Named("TypeLib"), ResourceId::Number(3), "three"},
         {ResourceId::Named("TYPELIBS"), ResourceId::Number(1), "<none>"},
-        {ResourceId::Number(10), ResourceId::Named("CUSTOM"), "custom"},
+        {ResourceId::Number(10), ResourceId::Named("Custom"), "custom"},
         {ResourceId::Number(10), ResourceId::Number(1), "ten"},
         {ResourceId::Number(10), ResourceId::Named("1"), "<none>"},  // a name that reads like a number
     };
-    for (const auto& [type, name, expected] : lookups) {
-      EXPECT_EQ(Text(image->FindResource(type, name)), expected) << type.ToString() << "/" << name.ToString();
+    for (const auto& [type, id, expected] : lookups) {
+      EXPECT_EQ(Text(image->FindResource(type, id)), expected)
+          << name << ": " << type.ToString() << "/" << id.ToString();
     }
     std::vector<std::string> names;
     for (const auto& id : image->ResourceNames(ResourceId::Number(10))) names.push_back(id.ToString());
-    EXPECT_EQ(names, (std::vector<std::string>{"Custom", "#1"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"CUSTOM", "#1"}));
     EXPECT_TRUE(image->ResourceNames(ResourceId::Number(99)).empty());
   }
 }
@@ -118,19 +117,22 @@ TEST(PeImage, MatchesNumbersExactlyNamesIgnoringCaseAndTakesTheFirstLanguage) {
 // Each damage leaves the headers intact, so the image parses, and every
 // lookup must end, without a result, inside the bytes.
 TEST(PeImage, DamagedOrCyclicResourceTreesEndWithoutAResult) {
-  for (const ResourceId& type : {kTypeLib, ResourceId::Number(1)}) {
-    const auto good = PeBuilder().Add(type, ResourceId::Number(1), ToBytes("data")).Build();
-    const size_t rsrc = PeBuilder::kResourceFileOffset;
-    const uint32_t typeDir = Get32(good, rsrc + 20) & 0x7FFFFFFF;
+  const Bytes good = FixtureFile("typelib/widgets.dll");
+  const size_t rsrc = ResourceSection(good);
+  // The root lists TYPELIB, then the version type; each holds resource 1 in one language.
+  for (size_t entry : {0, 1}) {
+    const ResourceId type = entry == 0 ? kTypeLib : kVersion;
+    const size_t field = rsrc + 16 + 8 * entry;
+    const uint32_t typeDir = Get32(good, field + 4) & 0x7FFFFFFF;
     const uint32_t nameDir = Get32(good, rsrc + typeDir + 20) & 0x7FFFFFFF;
     const uint32_t dataEntry = Get32(good, rsrc + nameDir + 20);
     const std::pair<size_t, uint32_t> damages[] = {
-        {rsrc + 20, 0x80000000},                           // type entry points at the root
+        {field + 4, 0x80000000},                           // type entry points at the root
         {rsrc + typeDir + 20, 0x80000000 | typeDir},       // name entry points at its own directory
         {rsrc + nameDir + 20, 0x80000000},                 // language entry is a directory
         {rsrc + dataEntry + 4, 0x7FFFFFFF},                // data runs past the section
         {rsrc + 12, 0xFFFF0000 | Get16(good, rsrc + 12)},  // entry count past the section
-        {rsrc + 16, 0xFFFFFFF0},                           // type name past the section
+        {field, 0xFFFFFFF0},                               // type name past the section
     };
     for (const auto& [at, value] : damages) {
       Bytes bytes = good;
@@ -187,10 +189,7 @@ std::optional<std::string> Exercise(std::span<const uint8_t> bytes) {
 }
 
 TEST(PeRobustness, DamagedImagesGiveErrorsOrTheirOwnVersion) {
-  std::vector<Bytes> good = {PeBuilder(PeBuilder::Arch::kPe32)
-                                 .Add(kTypeLib, ResourceId::Number(1), ToBytes("MSFTjunk"))
-                                 .Add(kVersion, ResourceId::Number(1), VersionInfoBlock(0x00010002, 0x00030004))
-                                 .Build()};
+  std::vector<Bytes> good = {FixtureFile("typelib/widgets.dll"), FixtureFile("pe/lookup.dll")};
   for (const char* name : {"stdole2.tlb", "stdole32.tlb"}) {
     if (auto path = testing::WineFile("x86_64", name)) good.push_back(testing::ReadHostFile(*path));
   }
@@ -199,119 +198,88 @@ TEST(PeRobustness, DamagedImagesGiveErrorsOrTheirOwnVersion) {
 }
 
 TEST(VersionInfo, DecodesWellFormedBlocksAndRejectsMalformedOnes) {
-  auto padded = VersionInfoBlock(0x00050006, 0x00070008);
+  const Bytes image = FixtureFile("typelib/widgets.dll");
+  auto parsed = PeImage::Parse(image);
+  ASSERT_TRUE(parsed.ok());
+  const auto resource = parsed->FindResource(kVersion, ResourceId::Number(1));
+  ASSERT_TRUE(resource);
+  const Bytes block(resource->begin(), resource->end());
+  Bytes padded = block;
   padded.resize(padded.size() + 6, 0xEE);  // resources are padded past the block's own length
-  auto version = DecodeVersionInfo(padded);
-  ASSERT_TRUE(version);
-  EXPECT_EQ(version->ms, 0x00050006u);
-  EXPECT_EQ(version->ls, 0x00070008u);
+  EXPECT_EQ(FormatFileVersion(DecodeVersionInfo(padded)), "1.0.0.7");
 
   const std::pair<const char*, std::function<void(Bytes&)>> damages[] = {
       {"empty", [](Bytes& b) { b.clear(); }},
-      {"length shorter than the fixed part", [](Bytes& b) { b[0] = 60; }},
-      {"length longer than the bytes", [](Bytes& b) { b[0] = 0xFF; }},
+      {"length shorter than the fixed part", [](Bytes& b) { Set16(b, 0, 60); }},
+      {"length longer than the bytes", [](Bytes& b) { Set16(b, 0, 0xFFFF); }},
       {"another key", [](Bytes& b) { b[6] = 'X'; }},
       {"wrong signature", [](Bytes& b) { b[40] ^= 1; }},
   };
   for (const auto& [what, damage] : damages) {
-    auto block = VersionInfoBlock(0x00010002, 0x00030004);
-    damage(block);
-    EXPECT_FALSE(DecodeVersionInfo(block)) << what;
+    Bytes bytes = block;
+    damage(bytes);
+    EXPECT_FALSE(DecodeVersionInfo(bytes)) << what;
   }
 }
 
-TEST(VersionInfo, ReadsTheVersionResourceOfCraftedImages) {
+TEST(VersionInfo, ReadsTheVersionResourceOfImages) {
   testing::FakeFileSystem files;
-  auto add = [&](const std::string& name, const Bytes& bytes) { Put(files, "C:\\v\\" + name, bytes); };
-  add("pe32.dll", PeBuilder(PeBuilder::Arch::kPe32)
-                      .Add(kVersion, ResourceId::Number(1), VersionInfoBlock(0x00020001, 0x00040003))
-                      .Build());
+  Bytes none = FixtureFile("typelib/widgets.dll");
+  Put(files, "C:\\v\\pe32.dll", none);
+  Set32(none, ResourceSection(none) + 24, 17);  // the version type renumbered
+  Put(files, "C:\\v\\none.dll", none);
   // Resource 1 is preferred; without it the first one stored serves.
-  add("pe64.dll", PeBuilder()
-                      .Add(kVersion, ResourceId::Named("ALT"), VersionInfoBlock(0x00090009, 0))
-                      .Add(kVersion, ResourceId::Number(7), VersionInfoBlock(0x00070007, 0))
-                      .Build());
-  add("both.dll", PeBuilder()
-                      .Add(kVersion, ResourceId::Number(2), VersionInfoBlock(0x00020002, 0))
-                      .Add(kVersion, ResourceId::Number(1), VersionInfoBlock(0x00010001, 0))
-                      .Build());
-  add("none.dll", PeBuilder().Add(kTypeLib, ResourceId::Number(1), ToBytes("x")).Build());
-  add("text.dll", ToBytes("just text"));
+  Put(files, "C:\\v\\first.dll", FixtureFile("pe/lookup.dll"));
+  Put(files, "C:\\v\\one.dll", FixtureFile("pe/lookup64.dll"));
+  files.AddFile("C:\\v\\text.dll", "just text");
 
   PortableVersionResources versions(files);
   const std::pair<const char*, const char*> expected[] = {
-      {"pe32.dll", "2.1.4.3"}, {"pe64.dll", "9.9.0.0"}, {"both.dll", "1.1.0.0"},
-      {"none.dll", "0.0.0.0"}, {"text.dll", "0.0.0.0"},        {"missing.dll", "0.0.0.0"}};
+      {"pe32.dll", "1.0.0.7"}, {"first.dll", "9.9.0.0"}, {"one.dll", "1.1.0.0"},
+      {"none.dll", "0.0.0.0"}, {"text.dll", "0.0.0.0"},  {"missing.dll", "0.0.0.0"}};
   for (const auto& [name, version] : expected) {
     EXPECT_EQ(FormatFileVersion(versions.FileVersionOf(std::string("C:\\v\\") + name)), version) << name;
   }
 }
 
-// The error number of a load, or 0 with the library's name in `name`.
-int32_t LoadNumber(PortableTypeLibSource& source, const std::string& path, std::string* name = nullptr) {
+// The library's name, or the error number of the load.
+std::string Load(PortableTypeLibSource& source, const std::string& path) {
   auto library = source.Load(path);
-  if (library.ok()) {
-    if (name) *name = library->name;
-    return 0;
-  }
+  if (library.ok()) return library->name;
   // Whatever went wrong, the message says which file it concerns.
   const std::string file = path.substr(0, path.rfind('.'));
   EXPECT_NE(library.error().description.find(file), std::string::npos) << library.error().description;
-  return library.error().number;
-}
-
-TEST(PortableTypeLibSource, FilesWithoutALibraryAreNamedInTheirErrors) {
-  testing::FakeFileSystem files;
-  Put(files, "C:\\lib\\notes.tlb", ToBytes("MSF not quite"));
-  Put(files, "C:\\lib\\plain.dll", PeBuilder().Add(kVersion, ResourceId::Number(1), ToBytes("v")).Build());
-  Put(files, "C:\\lib\\junk.dll", PeBuilder().Add(kTypeLib, ResourceId::Number(1), ToBytes("JUNK")).Build());
-  auto cut = PeBuilder().Add(kTypeLib, ResourceId::Number(1), ToBytes("MSFT")).Build();
-  cut.resize(0x100);
-  Put(files, "C:\\lib\\cut.dll", cut);
-
-  PortableTypeLibSource source(files);
-  const std::pair<const char*, int32_t> loads[] = {
-      {"C:\\lib\\missing.tlb", rt::errnum::kFileNotFound},
-      {"C:\\lib\\notes.tlb", rt::errnum::kNotATypeLibrary},
-      {"C:\\lib\\plain.dll", rt::errnum::kNotATypeLibrary},
-      {"C:\\lib\\junk.dll\\2", rt::errnum::kNotATypeLibrary},
-      // There is a library, but it cannot be decoded.
-      {"C:\\lib\\junk.dll", rt::errnum::kCantLoadTypeLibrary},
-      {"C:\\lib\\cut.dll", rt::errnum::kCantLoadTypeLibrary},
-  };
-  for (const auto& [path, number] : loads) EXPECT_EQ(LoadNumber(source, path), number) << path;
+  return std::to_string(library.error().number);
 }
 
 TEST(PortableTypeLibSource, FindsTheLibraryWhateverTheExtensionOrResourceNumber) {
-  auto image = testing::WineFile("x86_64", "stdole2.tlb");
-  if (!image) GTEST_SKIP() << "Wine's stdole2.tlb is not installed";
-  const Bytes stdoleImage = testing::ReadHostFile(*image);
-  auto parsed = PeImage::Parse(stdoleImage);
-  ASSERT_TRUE(parsed.ok());
-  auto resource = parsed->FindResource(kTypeLib, ResourceId::Number(1));
-  ASSERT_TRUE(resource);
-  const Bytes stdole(resource->begin(), resource->end());
-
   testing::FakeFileSystem files;
-  Put(files, "C:\\lib\\multi.dll", PeBuilder(PeBuilder::Arch::kPe32)
-                                          .Add(kTypeLib, ResourceId::Number(1), ToBytes("JUNK"))
-                                          .Add(kTypeLib, ResourceId::Number(3), stdole)
-                                          .Build());
-  Put(files, "C:\\lib\\7\\12", stdole);  // all digits, in a folder: the number is the file's name
-  Put(files, "C:\\lib\\bare.txt", stdole);
-  Put(files, "C:\\lib\\wrapped.tlb", PeBuilder().Add(kTypeLib, ResourceId::Number(1), stdole).Build());
-  Put(files, "C:\\lib\\stdole2.tlb", stdoleImage);
+  const Bytes lookup = FixtureFile("pe/lookup.dll"), library = FixtureFile("typelib/widgets.tlb");
+  files.AddFile("C:\\lib\\notes.tlb", "MSF not quite");
+  Put(files, "C:\\lib\\lookup.dll", lookup);
+  Put(files, "C:\\lib\\cut.dll", Bytes(lookup.begin(), lookup.begin() + 0x100));
+  Put(files, "C:\\lib\\7\\12", library);  // all digits, in a folder: the number is the file's name
+  Put(files, "C:\\lib\\bare.txt", library);
+  Put(files, "C:\\lib\\wrapped.tlb", FixtureFile("typelib/widgets.dll"));
 
   PortableTypeLibSource source(files);
-  for (const char* path : {"C:\\lib\\multi.dll\\3", "C:\\lib\\multi.dll\\003", "C:\\lib\\7\\12", "C:\\lib\\bare.txt",
-                           "C:\\lib\\wrapped.tlb", "C:\\lib\\stdole2.tlb"}) {
-    std::string name;
-    EXPECT_EQ(LoadNumber(source, path, &name), 0) << path;
-    EXPECT_EQ(name, "stdole") << path;
-  }
-  EXPECT_EQ(LoadNumber(source, "C:\\lib\\multi.dll"), rt::errnum::kCantLoadTypeLibrary);
-  EXPECT_EQ(LoadNumber(source, "C:\\lib\\multi.dll\\4"), rt::errnum::kNotATypeLibrary);
-  EXPECT_EQ(LoadNumber(source, "C:\\lib\\multi.dll\\99999999999999999999"), rt::errnum::kNotATypeLibrary);
+  const std::string notALibrary = std::to_string(rt::errnum::kNotATypeLibrary);
+  const std::string cantLoad = std::to_string(rt::errnum::kCantLoadTypeLibrary);
+  const std::pair<const char*, std::string> loads[] = {
+      {"C:\\lib\\missing.tlb", std::to_string(rt::errnum::kFileNotFound)},
+      {"C:\\lib\\notes.tlb", notALibrary},
+      {"C:\\lib\\lookup.dll\\2", notALibrary},
+      {"C:\\lib\\lookup.dll\\99999999999999999999", notALibrary},
+      // There is a library, but it cannot be decoded.
+      {"C:\\lib\\lookup.dll", cantLoad},
+      {"C:\\lib\\cut.dll", cantLoad},
+      {"C:\\lib\\lookup.dll\\4", "Widgets"},
+      {"C:\\lib\\lookup.dll\\004", "Widgets"},
+      {"C:\\lib\\7\\12", "Widgets"},
+      {"C:\\lib\\bare.txt", "Widgets"},
+      {"C:\\lib\\wrapped.tlb", "Widgets"},
+  };
+  for (const auto& [path, expected] : loads) EXPECT_EQ(Load(source, path), expected) << path;
 }
 
 }  // namespace

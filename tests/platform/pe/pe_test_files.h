@@ -1,6 +1,10 @@
 #pragma once
 // The real PE files Debian's Wine packages install, found at test time (tests
-// skip when they are absent), and the bytes of a host file.
+// skip when they are absent), the bytes of a host file or a committed fixture,
+// and little-endian fields of a byte buffer for tests that damage one.
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -16,5 +20,29 @@ std::vector<std::filesystem::path> WineFiles(std::string_view arch, std::string_
 std::optional<std::filesystem::path> WineFile(std::string_view arch, std::string_view name);
 
 std::vector<uint8_t> ReadHostFile(const std::filesystem::path& path);
+
+// A file of tests/fixtures ("pe/lookup.dll"); a missing one is a failure.
+inline std::vector<uint8_t> FixtureFile(std::string_view name) {
+  auto bytes = ReadHostFile(std::filesystem::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures" / name);
+  EXPECT_FALSE(bytes.empty()) << "fixture " << name << " is missing";
+  return bytes;
+}
+
+// Where `text` first occurs in the bytes from `from` on; not finding it is a failure.
+inline size_t FindText(const std::vector<uint8_t>& bytes, std::string_view text, size_t from = 0) {
+  const std::vector<uint8_t> pattern(text.begin(), text.end());
+  const auto found =
+      std::search(bytes.begin() + static_cast<ptrdiff_t>(from), bytes.end(), pattern.begin(), pattern.end());
+  EXPECT_NE(found, bytes.end()) << text;
+  return static_cast<size_t>(found - bytes.begin());
+}
+
+inline uint32_t Get16(const std::vector<uint8_t>& b, size_t at) { return b[at] | b[at + 1] << 8; }
+inline uint32_t Get32(const std::vector<uint8_t>& b, size_t at) { return Get16(b, at) | Get16(b, at + 2) << 16; }
+inline void Set16(std::vector<uint8_t>& b, size_t at, uint32_t v) {
+  b[at] = static_cast<uint8_t>(v);
+  b[at + 1] = static_cast<uint8_t>(v >> 8);
+}
+inline void Set32(std::vector<uint8_t>& b, size_t at, uint32_t v) { Set16(b, at, v), Set16(b, at + 2, v >> 16); }
 
 }  // namespace sentrune::testing

@@ -1,17 +1,17 @@
 // The projection of stored libraries into the view the type library API
-// shows: on the compiled fixtures and their variants, and on libraries built
+// shows: on the committed fixtures of both formats, and on libraries built
 // by hand in shapes no compiler writes (alias cycles, imported defaults,
 // interface-kind duals as SLTG stores them, wide enum values).
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
-#include <set>
 #include <tuple>
 
 #include "tlb_test_files.h"
 #include "platform/pe/pe_image.h"
+#include "platform/tlb/sltg_reader.h"
 #include "platform/tlb/typelib_projection.h"
+#include "support/expected_file.h"
 
 namespace sentrune::portable {
 namespace {
@@ -21,17 +21,8 @@ using platform::TlbLibrary;
 using platform::TlbMember;
 using platform::TlbType;
 using platform::TlbTypeInfo;
-using testing::Function;
-using testing::ProjectFixture;
-using testing::Type;
-using testing::Variable;
-
-int Position(const TlbLibrary& library, std::string_view name) {
-  for (size_t i = 0; i < library.types.size(); ++i) {
-    if (library.types[i].name == name) return static_cast<int>(i);
-  }
-  return -2;
-}
+using testing::DecodeFixture;
+using testing::Facts;
 
 // A projected type as text: the VT's or the user type's name, then [] for an
 // array and & by reference.
@@ -56,145 +47,56 @@ std::string Signature(const TlbMember& member) {
   }
   return text + ")";
 }
-std::string Names(const std::vector<TlbMember>& members, size_t from = 0, size_t to = SIZE_MAX) {
-  std::string names;
-  for (size_t i = from; i < std::min(to, members.size()); ++i) names += (i == from ? "" : " ") + members[i].name;
-  return names;
-}
-
-// The widl-compiled fixtures, checked against what the system's type library
-// API shows for the same IDL.
-TEST(FixtureProjection, TypesListTheirOwnMembers) {
-  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
-  // Duals show their dispatch view: IDispatch's seven functions, restricted,
-  // then the functions of their own, and no automation flag 0x100.
-  const struct {
-    const TlbLibrary& library;
-    const char* type;
-    const char* kind;
-    uint32_t flags;
-    size_t own;  // where the type's own functions start
-    const char* functions;
-    const char* variables;
-  } types[] = {
-      {widgets, "_Widget", "dispatch", 0x10D0, 7,
-       "Caption Caption Font Font BackColor BackColor Item Item Picture Find Clear Resize Describe GetNames SetNames "
-       "Attach Configure Refresh Internal _B_str_Format _B_var_Format Lookup", ""},
-      {widgets, "__Widget", "dispatch", 0x1010, 0, "Changed Closing", ""},  // an event dispinterface: its own only
-      {widgets, "WidgetInfo", "record", 0, 0, "", "Count Name Weight Tags Color Owner"},
-      {shapes, "IShape", "dispatch", 0x1040, 7, "Area Move Scale Link Outline", ""},  // after its dual base's
-      {shapes, "IRawShape", "interface", 0x100, 0, "Sides Resize Count", ""},
-      {shapes, "ShapeFunctions", "module", 0, 0, "Circle", ""},
-      {shapes, "DShapeEvents", "dispatch", 0x1000, 0, "Moved Sized", ""},
-  };
-  for (const auto& t : types) {
-    const TlbTypeInfo& type = Type(t.library, t.type);
-    EXPECT_EQ(type.kind, t.kind) << t.type;
-    EXPECT_EQ(type.flags, t.flags) << t.type;
-    EXPECT_EQ(Names(type.functions, t.own), t.functions) << t.type;
-    EXPECT_EQ(Names(type.variables), t.variables) << t.type;
-    if (t.own == 0) continue;
-    EXPECT_EQ(Names(type.functions, 0, 7),
-              "QueryInterface AddRef Release GetTypeInfoCount GetTypeInfo GetIDsOfNames Invoke");
-    for (size_t i = 0; i < 7; ++i) EXPECT_EQ(type.functions.at(i).flags & 1, 1u) << t.type << i;
-  }
-}
-
-TEST(FixtureProjection, MembersFollowTheRetvalPointerArrayAndAliasRules) {
-  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
-  const struct {
-    const TlbLibrary& library;
-    const char* type;
-    const char* member;
-    int invokeKind;  // 0: a variable, by its type
-    const char* signature;
-  } members[] = {
-      // [retval] becomes the return type, HRESULT becomes void, [lcid] goes.
-      {widgets, "_Widget", "Find", 1, "I4(BSTR Key, I4 Start opt=3:1)"},
-      {widgets, "_Widget", "GetNames", 1, "BSTR[]()"},
-      {widgets, "_Widget", "SetNames", 1, "void(BSTR[]& Names)"},
-      // An object pointer is the reference itself; IUnknown* and IDispatch* are VTs.
-      {widgets, "_Widget", "Attach", 1, "void(_Part Part, IUnknown Sink, IDispatch Owner)"},
-      // stdole's aliases resolve to their targets: IFontDisp to the Font
-      // dispinterface, OLE_COLOR to an unsigned long.
-      {widgets, "_Widget", "Font", 2, "Font()"},
-      {widgets, "_Widget", "BackColor", 2, "UI4()"},
-      // Names come from the first function with the member ID: the get of Item
-      // has one parameter, so the put's value has no name; Caption's neither.
-      {widgets, "_Widget", "Item", 4, "void(Variant Index, Variant )"},
-      {widgets, "WidgetInfo", "Tags", 0, "BSTR[]"},
-      {widgets, "WidgetInfo", "Color", 0, "WidgetColors"},
-      // Aliases are looked through, also when deciding that a pointer is the
-      // object reference itself.
-      {shapes, "IShape", "Link", 1, "void(IShape Other, IShape& Slot, IShape& Both)"},
-      {shapes, "IShape", "Outline", 1, "IShape[](Figure& Shape)"},
-      {shapes, "Figure", "Shape", 0, "IShape"},
-      // Vtable interfaces, modules and dispinterfaces are shown raw.
-      {shapes, "IRawShape", "Sides", 1, "HRESULT(I4& Sides)"},
-      {shapes, "DShapeEvents", "Sized", 1, "HRESULT(I4& Size)"},
-  };
-  for (const auto& m : members) {
-    const TlbTypeInfo& type = Type(m.library, m.type);
-    const std::string seen = m.invokeKind ? Signature(Function(type, m.member, m.invokeKind))
-                                          : Text(Variable(type, m.member).type);
-    EXPECT_EQ(seen, m.signature) << m.type << "." << m.member;
-  }
-  const TlbTypeInfo& widget = Type(widgets, "_Widget");
-  EXPECT_EQ(Function(widget, "Refresh").flags, 0x40u);
-  EXPECT_EQ(Function(widget, "Internal").flags, 0x1u);
-  EXPECT_EQ(Variable(Type(widgets, "WidgetColors"), "wgAll").value->integer, -1);
-}
-
-TEST(FixtureProjection, CoclassesLinkTheirDefaultAndSourceInterfaces) {
-  const TlbLibrary widgets = ProjectFixture("widgets.tlb"), shapes = ProjectFixture("shapes.tlb");
-  const std::tuple<const TlbLibrary&, const char*, const char*, const char*> coclasses[] = {
-      {widgets, "Widget", "_Widget", "__Widget"},
-      {widgets, "Part", "_Part", ""},
-      {shapes, "Square", "IShape", "DShapeEvents"},  // a restricted default still counts
-  };
-  for (const auto& [library, name, defaultInterface, defaultSource] : coclasses) {
-    const TlbTypeInfo& type = Type(library, name);
-    EXPECT_EQ(type.defaultInterface, *defaultInterface ? Position(library, defaultInterface) : -1) << name;
-    EXPECT_EQ(type.defaultSource, *defaultSource ? Position(library, defaultSource) : -1) << name;
-  }
-}
-
 // One line per library, type and member with everything the model reader
-// reads. Enum constants leave out their member IDs, which shift when one is
-// inserted.
-std::set<std::string> Lines(const TlbLibrary& library) {
-  std::set<std::string> lines = {"library " + library.name + " " + library.guid + " " + library.helpString + " " +
-                                 std::to_string(library.majorVersion) + "." + std::to_string(library.minorVersion)};
+// reads, in the order stored.
+std::string Lines(const TlbLibrary& library) {
+  std::string text = "library " + library.name + " " + library.guid + " " + library.helpString + " " +
+                     std::to_string(library.majorVersion) + "." + std::to_string(library.minorVersion) + "\n";
   for (const auto& type : library.types) {
-    lines.insert("type " + type.name + " " + type.kind + " " + type.guid + " " + type.helpString + " " +
-                 std::to_string(type.flags) + " " + std::to_string(type.defaultInterface) + " " +
-                 std::to_string(type.defaultSource));
+    text += "type " + type.name + " " + type.kind + " " + type.guid + " " + type.helpString + " " +
+            std::to_string(type.flags) + " " + std::to_string(type.defaultInterface) + " " +
+            std::to_string(type.defaultSource) + "\n";
     for (const auto& member : type.functions) {
-      lines.insert(type.name + "." + member.name + " " + std::to_string(member.memberId) + " " +
-                   std::to_string(member.invokeKind) + " " + std::to_string(member.flags) + " " + Signature(member) +
-                   " " + member.helpString);
+      text += " " + member.name + " " + std::to_string(member.memberId) + " " + std::to_string(member.invokeKind) +
+              " " + std::to_string(member.flags) + " " + Signature(member) + " " + member.helpString + "\n";
     }
     for (const auto& member : type.variables) {
-      lines.insert(type.name + "." + member.name + " " + Text(member.type) + " " +
-                   (member.value ? Text(*member.value) : "") + " " + member.helpString);
+      text += " " + member.name + " " + std::to_string(member.memberId) + " " + Text(member.type) + " " +
+              (member.value ? Text(*member.value) : "") + " " + member.helpString + "\n";
     }
   }
-  return lines;
+  return text;
 }
 
-// The 64-bit and PE-embedded copies project as the base library does; the
-// other variants' differences are checked end to end by the comparison tests.
-TEST(FixtureProjection, Win64AndPeEmbeddedCopiesProjectAlike) {
-  const auto base = Lines(ProjectFixture("widgets.tlb"));
-  EXPECT_EQ(Lines(ProjectFixture("widgets64.tlb")), base);
-  const auto image = testing::TypeLibFixture("widgets.dll");
+// What the readers store and the projection shows for the compiled fixtures
+// and the SLTG sample, against committed copies checked by hand against the
+// IDL and what the system's type library API shows for the same libraries.
+// The 64-bit and PE-embedded copies project alike; the SLTG variant (the long
+// name table header, the block directory reversed) stores the same.
+TEST(FixtureProjection, FixturesMatchTheirCommittedRenderings) {
+  const std::tuple<const char*, testing::Decoder, const char*> fixtures[] = {
+      {"typelib/widgets.tlb", ReadMsft, "widgets"},
+      {"typelib/shapes.tlb", ReadMsft, "shapes"},
+      {"sltg/sample.tlb", ReadSltg, "sltg-sample"}};
+  for (const auto& [name, decode, copy] : fixtures) {
+    const RawLibrary raw = DecodeFixture(name, decode);
+    std::string text;
+    for (const std::string& line : Facts(raw)) text += line + "\n";
+    testing::ExpectMatchesFile(text + "projected:\n" + Lines(ProjectLibrary(raw)),
+                               std::string("typelib/") + copy + ".decoded.txt");
+  }
+  EXPECT_EQ(Facts(DecodeFixture("sltg/sample-variant.tlb", ReadSltg)),
+            Facts(DecodeFixture("sltg/sample.tlb", ReadSltg)));
+  const std::string widgets = Lines(ProjectLibrary(DecodeFixture("typelib/widgets.tlb")));
+  EXPECT_EQ(Lines(ProjectLibrary(DecodeFixture("typelib/widgets64.tlb"))), widgets);
+  const auto image = testing::FixtureFile("typelib/widgets.dll");
   auto parsed = PeImage::Parse(image);
   ASSERT_TRUE(parsed.ok()) << parsed.error().description;
   auto resource = parsed->FindResource(ResourceId::Named(kTypeLibResourceType), ResourceId::Number(1));
   ASSERT_TRUE(resource.has_value());
   auto raw = ReadMsft(*resource);
   ASSERT_TRUE(raw.ok()) << raw.error().description;
-  EXPECT_EQ(Lines(ProjectLibrary(*raw)), base);
+  EXPECT_EQ(Lines(ProjectLibrary(*raw)), widgets);
 }
 
 // A stored library built by hand.
