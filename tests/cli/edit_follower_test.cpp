@@ -6,7 +6,6 @@
 namespace sentrune::cli {
 namespace {
 
-using Events = std::vector<FollowerEvent>;
 const FollowerEvent kSave{FollowerEvent::kSave, {}};
 const FollowerEvent kIdle{FollowerEvent::kIdle, {}};
 FollowerEvent Active(const std::string& name) { return {FollowerEvent::kActive, name}; }
@@ -18,7 +17,7 @@ TEST(EditFollower, TheLastChangedFileIsEditedUntilAnotherChangesOrFiveMinutesPas
   const struct {
     const char* changed;
     double at;
-    Events events;
+    std::vector<FollowerEvent> events;
     const char* active;
   } steps[] = {
       {"Form1", 0, {Active("Form1")}, "Form1"},

@@ -16,7 +16,6 @@ const std::string kCommand = std::string("\"") + kVb6 + "\" \"%1\"";
 struct FixerWorld : TestAddin {
   TestRegistry registry;
   FixerWorld() {
-    env.SetTempPath("C:\\Temp\\");
     files().AddFile(kVb6, "");
     // The answer comes back in the long form the disk stores, cut at its NUL.
     env.Programs().SetFindExecutable(33, std::string("c:\\program files\\microsoft visual studio\\vb98\\vb6.exe") +

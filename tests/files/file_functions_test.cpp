@@ -6,6 +6,7 @@
 
 #include "files/deferred_copy.h"
 #include "files_world.h"
+#include "support/expected_file.h"
 
 namespace sentrune {
 namespace {
@@ -14,7 +15,6 @@ using testing::FilesWorld;
 using testing::FsOp;
 using testing::kBuilt;
 using Strings = std::vector<std::string>;
-namespace mb = platform::mb;
 
 constexpr const char* kComponent = "C:\\Src\\Widgets\\Widgets.dll";
 constexpr const char* kBackup = "C:\\Src\\Widgets\\History\\Widgets-2004.05.06-14.03.09.dll";
@@ -51,16 +51,15 @@ TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilentAndAMissingFolderSkips
   w.files().AddFile(kComponent, "new");
   w.files().AddFile(kBackup, "old");
   ASSERT_TRUE(w.files().SetAttributes(kBackup, 33).ok());
-  w.ui.QueueAnswer(mb::kCancel);
+  w.ui.QueueAnswer(platform::mb::kCancel);
   EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, false), 2);
   EXPECT_EQ(w.files().Contents(kBackup), "old");
   // A read-only target is made writable before it goes; silent asks nothing.
   EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, kBackup, true, true), 0);
   EXPECT_EQ(w.files().Record().attributeSets.back(), (std::pair<std::string, uint32_t>{kBackup, 32}));
   EXPECT_EQ(w.files().Contents(kBackup), "new");
-  ASSERT_EQ(w.ui.boxes.size(), 1u);
-  EXPECT_EQ(w.ui.boxes[0].prompt, std::string("The file ") + kBackup +
-                                      " already exists.\r\nPress Ok to Overwrite or Cancel to abort.");
+  EXPECT_EQ(w.ui.Prompts(), Strings{std::string("The file ") + kBackup +
+                                    " already exists.\r\nPress Ok to Overwrite or Cancel to abort."});
 
   // A copy into a folder that cannot be made is skipped without a word.
   w.files().ClearRecord();
@@ -83,17 +82,14 @@ TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFileWhenAllowed) {
   EXPECT_EQ(w.files().Contents(target), "old");
   ASSERT_EQ(w.ui.boxes.size(), 2u);
   EXPECT_EQ(w.ui.boxes[0].style, 20);
-  // Windows-1252, and no path can expand as a batch variable.
-  EXPECT_EQ(w.files().Contents(kBatch),
-            "@Echo Copying \"C:\\100%%\\%%PATH%%\\Widgets.dll\" to \"C:\\Caf\xE9 1\\Widgets.dll\"\r\n"
-            "@xcopy \"C:\\100%%\\%%PATH%%\\Widgets.dll\" \"C:\\Caf\xE9 1\\Widgets.dll\" /f\r\n@Pause\r\n");
-  EXPECT_EQ(w.ui.boxes[1].prompt, "Sentrune created the following file:\r\n" + kBatch +
-                                      "\r\nDouble click the file above after shutting VB down");
+  // The batch file replaced, then the box: Windows-1252, and no path can expand as a batch variable.
+  const std::string batch = w.files().Contents(kBatch).value_or("<missing>");
+  testing::ExpectMatchesFile(batch + "----\n" + w.ui.boxes[1].prompt, "files/deferred-copy.txt");
 
   // Nothing is written without consent or a desktop.
   FilesWorld off, no, noDesktop;
   off.options.EnableDeferredActions = false;
-  no.ui.QueueAnswer(mb::kNo);
+  no.ui.QueueAnswer(platform::mb::kNo);
   noDesktop.env.SetSpecialFolder(platform::kFolderDesktop, "");
   for (FilesWorld* world : {&off, &no, &noDesktop}) {
     lfncDeferredCopy(world->state, world->options, "C:\\a\\Widgets.dll", "C:\\b\\Widgets.dll");
@@ -123,8 +119,7 @@ TEST(Rotation, KeepsTheNewestFilesOfTheExtensionWhateverTheirComponent) {
 
   w.files().FailNext(FsOp::kDelete, h + "B-same.dll", 70);
   EXPECT_EQ(lfncRotateBackups(w.state, h, "*.dll", 2), 70);
-  ASSERT_EQ(w.ui.boxes.size(), 1u);
-  EXPECT_EQ(w.ui.boxes[0].title, "modFileFunctions:lfncRotateBackups");
+  EXPECT_EQ(w.ui.Titles(), Strings{"modFileFunctions:lfncRotateBackups"});
   EXPECT_FALSE(w.state.err.pending());
 }
 

@@ -138,8 +138,7 @@ TEST(ReferenceList, GridPerSelectionAndFilterAndTheSavedCsv) {
   all.SelectProject("-All Projects-");
   ASSERT_EQ(all.SaveList(out), 0);
   ExpectMatchesFile(group.files().Contents(out).value_or(""), "files/references.csv");
-  ASSERT_EQ(group.ui.boxes.size(), 1u);
-  EXPECT_EQ(group.ui.boxes[0].prompt, "CSV File Saved\r\n" + out);
+  EXPECT_EQ(group.ui.Prompts(), Strings{"CSV File Saved\r\n" + out});
 
   // The save button adds the extension to the name asked for.
   group.ui.QueueSaveFile("C:\\Out\\refs2");

@@ -5,20 +5,16 @@
 #include <gtest/gtest.h>
 
 #include "host_world.h"
+#include "support/expected_file.h"
 
 namespace sentrune::testing {
 namespace {
-
-using Strings = std::vector<std::string>;
 
 struct MenuWorld : HostWorld {
   Strings ran;
 
   explicit MenuWorld(bool magnifier = false) {
-    if (magnifier) {
-      env.SetSpecialFolder(platform::kFolderSystem, "C:\\Windows\\System32");
-      files().AddFile("C:\\Windows\\System32\\magnify.exe", "");
-    }
+    if (magnifier) files().AddFile("C:\\Windows\\System32\\magnify.exe", "");  // in the system folder
     MenuActions actions;
     actions.FixAbsPaths = [this](Connect&) { ran.push_back("fix paths"); };
     actions.FixAssociations = [this](Connect&) { ran.push_back("fix associations"); };
@@ -48,20 +44,9 @@ struct MenuWorld : HostWorld {
 
 TEST(AddinMenu, BuildsTheItemsInOrderWithTheirGroups) {
   MenuWorld w;
-  EXPECT_EQ(w.Layout(), (Strings{
-                            "&Sentrune|group",
-                            "  &Show References",
-                            "  &Inspect Components",
-                            "  Show &Elapsed Times",
-                            "  &Project Snapshot",
-                            "  &Utilities|group",
-                            "    Add/&Refresh cVerifyInstallation",
-                            "    &Add AlignmentHelper",
-                            "    Fix A&BS Paths|group",
-                            "    &Fix VB Associations",
-                            "  Sentrune &Options|group",
-                            "  Abo&ut|group",
-                        }));
+  std::string layout;
+  for (const std::string& line : w.Layout()) layout += line + "\n";
+  ExpectMatchesFile(layout, "host/menu.layout.txt");
   // The help text reads the captions aloud.
   EXPECT_EQ(PlainCaption("Fix A&BS && more"), "Fix ABS & more");
 
@@ -103,10 +88,8 @@ TEST(AddinMenu, SnapshotHandlerReportsItsOutcome) {
   w.Open("C:\\Src\\Widgets\\Widgets.vbp", "Widgets");
   ASSERT_TRUE(w.ide.ClickMenu({"Sentrune", "Project Snapshot"}).ok());
   EXPECT_EQ(w.ui.fileQuestions.size(), 1u);
-  ASSERT_EQ(w.ui.boxes.size(), 2u);
-  for (const AskedBox& box : w.ui.boxes) EXPECT_EQ(box.title, "Project Snapshot");
-  EXPECT_EQ(w.ui.boxes[0].prompt, "No projects loaded.");
-  EXPECT_EQ(w.ui.boxes[1].prompt, "Operation Complete.");
+  EXPECT_EQ(w.ui.Titles(), (Strings{"Project Snapshot", "Project Snapshot"}));
+  EXPECT_EQ(w.ui.Prompts(), (Strings{"No projects loaded.", "Operation Complete."}));
 }
 
 TEST(AddinMenu, FixAssociationsRunsOnlyAfterYesAndRemovalEndsEveryHandler) {

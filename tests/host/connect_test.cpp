@@ -41,7 +41,7 @@ TEST(Connect, TheLifecycleInOrder) {
   w.connect.ShowDiagnostics = [&](Connect&) { ++diagnostics; };
   w.Open("C:\\A\\Widgets.vbp", "Widgets");
   w.connect.AddinInstance_Initialize();
-  EXPECT_TRUE(w.files().IsFolder("C:\\Addin\\Logs"));
+  EXPECT_EQ(w.files().GetAttributes("C:\\Addin\\Logs").value_or(0), platform::kAttrDirectory);
   EXPECT_EQ(w.state.gstrLogFile, "C:\\Addin\\Logs\\Sentrune 040506-140309.txt");
   EXPECT_EQ(w.TraceLines().back(), "'Connect:AddinInstance_Initialize 50589");
   w.connect.AddinInstance_OnConnection(w.ide);

@@ -10,10 +10,6 @@
 namespace sentrune {
 namespace {
 
-using platform::mb::kCancel;
-using platform::mb::kNo;
-using platform::TreeNode;
-
 class CsvFileWriterTest : public ::testing::Test {
  protected:
   CsvFileWriterTest() { addin.files().AddFolder("D:\\x"); }
@@ -24,7 +20,7 @@ class CsvFileWriterTest : public ::testing::Test {
 TEST_F(CsvFileWriterTest, NamesGetTheDefaultFolderAndExtension) {
   EXPECT_EQ(writer.InitializeLog("report", 1, 2), 0);
   EXPECT_EQ(writer.FullPathToLogFile(), "C:\\Olk\\Data\\report.log");
-  EXPECT_TRUE(addin.files().IsFolder("C:\\Olk\\Data"));
+  EXPECT_EQ(addin.files().GetAttributes("C:\\Olk\\Data").value_or(0), platform::kAttrDirectory);
   writer.DefaultFileExtension = "csv";
   EXPECT_EQ(writer.InitializeLog("D:\\x\\y", 1, 2), 0);
   EXPECT_EQ(writer.FullPathToLogFile(), "D:\\x\\y.csv");
@@ -52,10 +48,10 @@ TEST_F(CsvFileWriterTest, ExistingFileRules) {
   writer.FooterSuppressed = true;
   ASSERT_EQ(writer.InitializeLog("D:\\x\\y.log", 1, 1), 0);  // append
   ASSERT_EQ(writer.WriteLogEntries(std::string("new")), 0);
-  addin.ui.QueueAnswer(kNo);  // asked: No appends
+  addin.ui.QueueAnswer(platform::mb::kNo);  // asked: No appends
   ASSERT_EQ(writer.InitializeLog("D:\\x\\y.log", 1, 0), 0);
   EXPECT_EQ(addin.ui.boxes.size(), 1u);
-  addin.ui.QueueAnswer(kCancel);
+  addin.ui.QueueAnswer(platform::mb::kCancel);
   EXPECT_EQ(writer.InitializeLog("D:\\x\\y.log", 1, 0), clsCSVFileWriter::kErrCancelled);
   EXPECT_FALSE(writer.LogInitialized());
   EXPECT_EQ(addin.files().Contents("D:\\x\\y.log"), "old\r\nnew\r\n");
@@ -71,7 +67,7 @@ TEST_F(CsvFileWriterTest, ExistingFileRules) {
 TEST(XMLOut, IndentsTagsMasksAndNeverEscapes) {
   testing::FakeFileSystem fs;
   fs.AddFolder("C:\\Out");
-  const std::vector<TreeNode> tree{
+  const std::vector<platform::TreeNode> tree{
       {"C:\\Lib.dll", "C:\\Lib.dll",
        {{"C:\\Lib.dll\\My Class", "My Class", {{"C:\\Lib.dll\\My Class\\GUID", "GUID: {1}", {}}}},
         {"C:\\Lib.dll\\caf\xC3\xA9", "a < b & \xC3\x88 \t end", {}}}},

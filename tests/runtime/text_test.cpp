@@ -28,7 +28,7 @@ TEST(Text, Cp1252RoundTripsEveryByteAndMarksWhatItCannotMap) {
   for (const auto& [text, bytes] : toCp1252) EXPECT_EQ(Utf8ToCp1252(text), bytes) << bytes;
 }
 
-TEST(Text, CaseFoldsAsciiAndLatin1Only) {
+TEST(Text, CaseFoldsAsciiAndLatin1OnlyAndTheHashAgrees) {
   EXPECT_EQ(LCase("ABC \u00C0\u00C9\u00DE\u00D7"), "abc \u00E0\u00E9\u00FE\u00D7");
   EXPECT_EQ(UCase("abc \u00E0\u00E9\u00FE\u00F7"), "ABC \u00C0\u00C9\u00DE\u00F7");
   // Letters outside Latin-1 and those without a Latin-1 partner stay.
@@ -38,10 +38,8 @@ TEST(Text, CaseFoldsAsciiAndLatin1Only) {
   EXPECT_FALSE(IEquals("\u00D7", "\u00F7"));  // multiply and divide signs are not a pair
   EXPECT_FALSE(IEquals("\u0100", "\u0120"));  // same lead byte, other block
   EXPECT_FALSE(IEquals("[", "{"));
-}
 
-TEST(Text, IHashAgreesWithTheFolding) {
-  // Eight-byte words fold at once when ASCII; a Latin-1 letter split across
+  // The hash agrees with the folding. Eight-byte words fold at once when ASCII; a Latin-1 letter split across
   // two words needs the byte before.
   for (const std::string text : {"Property Get Caption() As String", "Function Find(Key As String)",
                                  "1234567\u00C9t\u00E9 Caf\u00C9", "\u00C9", "[@`{", "ABCDEFGH", ""}) {

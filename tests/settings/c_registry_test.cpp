@@ -17,8 +17,6 @@ namespace {
 
 using platform::kHkeyClassesRoot;
 using platform::kHkeyCurrentUser;
-using testing::FsOp;
-using Bytes = std::vector<uint8_t>;
 
 constexpr const char* kKey = "Software\\Sentrune";
 
@@ -55,7 +53,7 @@ TEST_F(cRegistryTest, ReadsFallBackToDefault) {
   reg_.SetDefault(fallback);
   EXPECT_EQ(Read("Missing"), fallback);
   EXPECT_EQ(Read("Long"), fallback);  // does not fit 32 bits
-  registry_.files.FailNext(FsOp::kRead, "", rt::errnum::kPermissionDenied);
+  registry_.files.FailNext(testing::FsOp::kRead, "", rt::errnum::kPermissionDenied);
   EXPECT_EQ(Read("Text"), fallback);
   reg_.SetMachine("\\\\Elsewhere");
   EXPECT_EQ(Read("Text"), fallback);
@@ -75,7 +73,7 @@ TEST_F(cRegistryTest, ReadsByStoredType) {
       {"Dword", {platform::kRegDword, "\xfe\xff\xff\xff"}, int32_t{-2}},
       {"Big", {platform::kRegDwordBigEndian, std::string("\0\0\x01\x02", 4)}, int32_t{0x0102}},
       {"Short", {platform::kRegDword, "\x07"}, int32_t{7}},
-      {"Bin", {platform::kRegBinary, std::string("\x00\xff", 2)}, Bytes{0x00, 0xFF}},
+      {"Bin", {platform::kRegBinary, std::string("\x00\xff", 2)}, std::vector<uint8_t>{0x00, 0xFF}},
   };
   for (const auto& c : cases) registry_.AddValue(kHkeyCurrentUser, kKey, c.name, c.stored);
   for (const auto& c : cases) EXPECT_EQ(Read(rt::LCase(c.name)), c.read) << c.name;
@@ -96,7 +94,7 @@ TEST_F(cRegistryTest, WritesStringsAsTheyAreAndAFailedWriteRaisesAndWritesNothin
 
   const std::string text = "Failed to set registry value Key: '-2147483648',Section: "
                            "'VisualBasic.Project\\shell\\open\\command',Key: 'Name' to value: ";
-  registry_.files.FailNext(FsOp::kWrite, "", rt::errnum::kDiskFull);
+  registry_.files.FailNext(testing::FsOp::kWrite, "", rt::errnum::kDiskFull);
   ExpectRaised(reg_.SetValue(std::string("x")), -2147194455, text + "'x'");
   EXPECT_TRUE(reg_.RegistryReason().starts_with("Cannot write the Wine registry file")) << reg_.RegistryReason();
   registry_.serverRunning = true;  // now creating the key, the first step, fails

@@ -4,20 +4,18 @@
 
 #include <tuple>
 
-#include "settings_harness.h"
 #include "support/expected_file.h"
+#include "support/test_addin.h"
 
-namespace sentrune {
+namespace sentrune::testing {
 namespace {
-
-using test::SettingsHarness;
 
 struct OptionsForm {
   OptionsForm() {
     handler.InitOptionDefaults();
     form.FillGrid();
   }
-  SettingsHarness h;
+  TestAddin h;
   OptionsHandler handler{h.state};
   frmOptions form{handler};
 };
@@ -38,7 +36,7 @@ TEST(OptionsGrid, SectionsRowsNestingAndShownValues) {
     for (size_t i = 1; i < row.cells.size(); ++i) grid += " | " + row.cells[i];
     grid += "\n";
   }
-  testing::ExpectMatchesFile(grid, "settings/options.grid.txt");
+  ExpectMatchesFile(grid, "settings/options.grid.txt");
 }
 
 TEST(OptionsSave, ConvertsEachKindShowsItCanonicallyAndReloads) {
@@ -57,7 +55,7 @@ TEST(OptionsSave, ConvertsEachKindShowsItCanonicallyAndReloads) {
   EXPECT_TRUE(f.form.Changed());
   EXPECT_EQ(f.form.SaveSettings(), 0);
 
-  testing::ExpectMatchesFile(f.h.Ini(), "settings/options.saved.ini");  // a key it does not show stays
+  ExpectMatchesFile(f.h.Ini(), "settings/options.saved.ini");  // a key it does not show stays
 
   const OptionSet& o = f.handler.options();
   EXPECT_EQ(o.CreateBackup[2], 1);
@@ -76,13 +74,12 @@ TEST(OptionsSave, ConvertsEachKindShowsItCanonicallyAndReloads) {
 TEST(OptionsSave, ARefusedWriteIsReportedAndKeepsTheFormChanged) {
   OptionsForm f;
   f.h.SetIni("[Settings]\r\n");
-  ASSERT_TRUE(f.h.files().SetAttributes(SettingsHarness::kIni, 33).ok());
+  ASSERT_TRUE(f.h.files().SetAttributes(TestAddin::kIni, 33).ok());
   f.form.ResetToStartValues();
   EXPECT_EQ(f.form.SaveSettings(), rt::errnum::kPathFileAccessError);
   EXPECT_TRUE(f.form.Changed());
   EXPECT_FALSE(f.form.SettingsSaved2);
-  ASSERT_EQ(f.h.ui.boxes.size(), 1u);
-  EXPECT_EQ(f.h.ui.boxes[0].title, "frmOptions:SaveSettings");
+  EXPECT_EQ(f.h.ui.Titles(), Strings{"frmOptions:SaveSettings"});
   EXPECT_EQ(f.h.Ini(), "[Settings]\r\n");
 }
 
@@ -101,7 +98,7 @@ TEST(OptionsSetValue, RefusalsNameTheKeyAndChangeNothing) {
     const rt::Status status = f.form.SetValue(key, text);
     messages += status.ok() ? std::string("accepted\n") : status.error().description + "\n";
   }
-  testing::ExpectMatchesFile(messages, "settings/options.refusals.txt");
+  ExpectMatchesFile(messages, "settings/options.refusals.txt");
   EXPECT_FALSE(f.form.Changed());
   EXPECT_EQ(f.form.CellText("ActiveX_DLL_CreateBackup"), before);
   EXPECT_EQ(f.form.SaveSettings(), 0);
@@ -139,4 +136,4 @@ TEST(OptionsForm, ResetBrowseAndRememberedSize) {
 }
 
 }  // namespace
-}  // namespace sentrune
+}  // namespace sentrune::testing

@@ -7,18 +7,16 @@
 #include <stdexcept>
 
 #include "settings/ini_manager.h"
-#include "settings_harness.h"
 #include "support/expected_file.h"
+#include "support/test_addin.h"
 
-namespace sentrune {
+namespace sentrune::testing {
 namespace {
-
-using test::SettingsHarness;
 
 // An absent key in the section gives the default, an empty value stays
 // empty; writes drop NULs, and a refused write is a result, not an error.
 TEST(IniManager, ReadsWritesAndKeepsTheOutcome) {
-  SettingsHarness h;
+  TestAddin h;
   modINIManager module(h.state);
   EXPECT_EQ(module.INIGetSetting("Settings", "Key", "fallback"), "fallback");  // no file
   h.SetIni("[Settings]\r\nKey=\r\nLong=" + std::string(400, 'L') + "\r\n[Other]\r\nOther=x\r\n");
@@ -26,11 +24,11 @@ TEST(IniManager, ReadsWritesAndKeepsTheOutcome) {
   EXPECT_EQ(module.INIGetSetting("Settings", "Other", "fallback"), "fallback");
   EXPECT_EQ(module.INIGetSetting("Settings", "Long", ""), std::string(254, 'L'));
 
-  ASSERT_TRUE(h.files().DeleteFile(SettingsHarness::kIni).ok());
+  ASSERT_TRUE(h.files().DeleteFile(TestAddin::kIni).ok());
   module.INISaveSetting("Settings", "Name", std::string("a\0b\0\0c", 6));
   EXPECT_EQ(h.Ini(), "[Settings]\r\nName=abc\r\n");
   EXPECT_TRUE(module.GetIniManager().LastWriteSucceeded());
-  ASSERT_TRUE(h.files().SetAttributes(SettingsHarness::kIni, 33).ok());
+  ASSERT_TRUE(h.files().SetAttributes(TestAddin::kIni, 33).ok());
   module.INISaveSetting("Settings", "Name", "changed");
   EXPECT_FALSE(module.GetIniManager().LastWriteSucceeded());
   EXPECT_EQ(h.Ini(), "[Settings]\r\nName=abc\r\n");
@@ -56,19 +54,18 @@ class ThrowingProfiles : public platform::ProfileFiles {
 };
 
 TEST(IniManager, UnexpectedErrorsOfASaveAreReportedNotThrown) {
-  SettingsHarness h;
+  TestAddin h;
   ThrowingProfiles throwing;
   AddinState state(Platform{h.env, h.ui, throwing, h.versions, h.typelibs});
   modINIManager module(state);
   EXPECT_NO_THROW(module.INISaveSetting("Settings", "Key", "v"));
-  ASSERT_EQ(h.ui.boxes.size(), 1u);
-  EXPECT_EQ(h.ui.boxes[0].title, "modINIManager:INISaveSetting");
-  EXPECT_EQ(h.ui.boxes[0].prompt, "store exploded");
+  EXPECT_EQ(h.ui.Titles(), Strings{"modINIManager:INISaveSetting"});
+  EXPECT_EQ(h.ui.Prompts(), Strings{"store exploded"});
   EXPECT_FALSE(state.err.pending());
 }
 
 TEST(OptionLoad, ConversionsCaseInsensitiveKeysAndTheRulesAfterReading) {
-  SettingsHarness h;
+  TestAddin h;
   const std::string ini =
       "[settings]\r\n"
       "standard_exe_createbackup = 1\r\n"
@@ -100,7 +97,7 @@ TEST(OptionLoad, ConversionsCaseInsensitiveKeysAndTheRulesAfterReading) {
 TEST(OptionLoad, TheFirstBadTextAbandonsTheRest) {
   for (const char* bad : {"abc", "70000", ""}) {
     SCOPED_TRACE(bad);
-    SettingsHarness h;
+    TestAddin h;
     h.SetIni(std::string("[Settings]\r\nStandard_EXE_CreateBackup=0\r\nActiveX_EXE_CompareCompsBefore=1\r\n") +
              "ActiveX_EXE_CompareCompsAfter=" + bad + "\r\nActiveX_EXE_BackupCompat=0\r\nTrackTime=0\r\n");
     OptionsHandler handler(h.state);
@@ -113,9 +110,8 @@ TEST(OptionLoad, TheFirstBadTextAbandonsTheRest) {
     EXPECT_EQ(o.BackupCompat[1], 2);        // never read
     EXPECT_TRUE(o.TrackTime);               // never read
     EXPECT_EQ(o.BackupFolderName, "History");  // the final rules did not run either
-    ASSERT_EQ(h.ui.boxes.size(), 1u);
-    EXPECT_EQ(h.ui.boxes[0].title, "modOptionsHandler:LoadOptions");
-    EXPECT_NE(h.ui.boxes[0].prompt.find("ActiveX_EXE_CompareCompsAfter"), std::string::npos);
+    EXPECT_EQ(h.ui.Titles(), Strings{"modOptionsHandler:LoadOptions"});
+    EXPECT_NE(h.ui.Prompts().at(0).find("ActiveX_EXE_CompareCompsAfter"), std::string::npos);
     EXPECT_FALSE(h.state.err.pending());
   }
 }
@@ -123,7 +119,7 @@ TEST(OptionLoad, TheFirstBadTextAbandonsTheRest) {
 // An empty store gives the read defaults, not the start values, and reading
 // writes nothing; the first run writes the start values once and loads them.
 TEST(FirstRun, WritesTheStartValuesOnceAndLoadsThem) {
-  SettingsHarness h;
+  TestAddin h;
   OptionsHandler handler(h.state);
   handler.InitOptionDefaults();
   EXPECT_EQ(handler.options().BackupFileCount, 0);
@@ -134,7 +130,7 @@ TEST(FirstRun, WritesTheStartValuesOnceAndLoadsThem) {
   EXPECT_EQ(h.Ini(), "<missing>");
   handler.InitOptionDefaults();
   LoadOptionsWithFirstRun(handler);
-  testing::ExpectMatchesFile(h.Ini(), "settings/first-run.ini");
+  ExpectMatchesFile(h.Ini(), "settings/first-run.ini");
   EXPECT_EQ(handler.options().BackupFileCount, 0);
 
   h.files().ClearRecord();
@@ -147,4 +143,4 @@ TEST(FirstRun, WritesTheStartValuesOnceAndLoadsThem) {
 }
 
 }  // namespace
-}  // namespace sentrune
+}  // namespace sentrune::testing

@@ -4,41 +4,39 @@
 #include <gtest/gtest.h>
 
 #include "state/debug_trace.h"
+#include "support/expected_file.h"
 #include "support/test_addin.h"
 
 namespace sentrune {
 namespace {
 
-using platform::mb::kNo;
-using platform::mb::kYesNo;
+namespace mb = platform::mb;
 
-TEST(MsgBox, ErrorBoxWhileShuttingDownIsTracedAndSuppressed) {
+TEST(MsgBox, OnlyErrorBoxesAreTracedAndWhileShuttingDownSuppressed) {
   testing::TestAddin addin;
   addin.state.err.Raise(53, "clsParseTLB", "File not found");
   addin.state.gblnShuttingDown = true;
-  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Can't find it", platform::mb::kCritical, "Title"), 0);
+  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Can't find it", mb::kCritical, "Title"), 0);
   EXPECT_TRUE(addin.ui.boxes.empty());
   EXPECT_EQ(addin.TraceLines(), (std::vector<std::string>{"'Message contains error information 50589",
                                                          "'Prompt: Can't find it", "'Buttons: 16", "'Title: Title",
                                                          "'Shutting Down - Supressing Error Dialog"}));
   EXPECT_EQ(addin.state.err.number(), 53);
   EXPECT_EQ(addin.state.err.source(), "clsParseTLB");
-}
 
-TEST(MsgBox, OtherwiseBoxesAreShownAndOnlyErrorBoxesTraced) {
-  testing::TestAddin addin;
-  addin.state.err.Raise(70);
-  addin.ui.QueueAnswer(kNo);
-  EXPECT_EQ(lfncMsgBoxEX(addin.state, "Retry?", kYesNo, "Copy"), kNo);
-  ASSERT_EQ(addin.ui.boxes.size(), 1u);
-  EXPECT_EQ(addin.ui.boxes[0].prompt, "Retry?");
-  EXPECT_EQ(addin.TraceLines().size(), 4u);
-  EXPECT_EQ(addin.state.err.number(), 70);
+  // Otherwise boxes are shown, and only error boxes traced.
+  testing::TestAddin shown;
+  shown.state.err.Raise(70);
+  shown.ui.QueueAnswer(mb::kNo);
+  EXPECT_EQ(lfncMsgBoxEX(shown.state, "Retry?", mb::kYesNo, "Copy"), mb::kNo);
+  EXPECT_EQ(shown.ui.Prompts(), testing::Strings{"Retry?"});
+  EXPECT_EQ(shown.TraceLines().size(), 4u);
+  EXPECT_EQ(shown.state.err.number(), 70);
 
   // An ordinary question is shown even while shutting down.
   testing::TestAddin quiet;
   quiet.state.gblnShuttingDown = true;
-  EXPECT_EQ(lfncMsgBoxEX(quiet.state, "Fix it?", kYesNo, "Fix"), platform::mb::kYes);
+  EXPECT_EQ(lfncMsgBoxEX(quiet.state, "Fix it?", mb::kYesNo, "Fix"), mb::kYes);
   EXPECT_EQ(quiet.ui.boxes.size(), 1u);
   EXPECT_TRUE(quiet.TraceLines().empty());
 }
@@ -53,10 +51,7 @@ TEST(DebugTrace, FirstCallEmptiesTheFileWritesCodePage1252AndMarksPauses) {
   addin.state.trace({"second"});
   addin.env.Time().Advance(3);
   addin.state.trace({});
-  const std::string rule(40, '/');
-  EXPECT_EQ(addin.files().Contents("C:\\Addin\\Sentrune_Log.txt"),
-            "'Connect:AddinInstance_Initialize 12.5 False -7 Gr\xFC\xDF\r\nsecond\r\n\r\n" + rule +
-                "\r\n3 seconds since last trip here.\r\n" + rule + "\r\n\r\n");
+  testing::ExpectMatchesFile(addin.files().Contents("C:\\Addin\\Sentrune_Log.txt").value_or(""), "state/trace.txt");
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ class FakeEnv : public platform::Env {
     SetSpecialFolder(platform::kFolderDesktop, kDesktop);
     SetSpecialFolder(platform::kFolderAppData, "C:\\Users\\Dev\\AppData\\Roaming");
     SetSpecialFolder(platform::kFolderSystem, kSystem);
-    SetTempPath("C:\\Temp\\");
+    files_.AddFolder(tempPath_ = "C:\\Temp\\");
     SetModuleFolder("C:\\Addin\\");
   }
   // The file system holds on to the clock.
@@ -113,7 +113,6 @@ class FakeEnv : public platform::Env {
     if (!path.empty()) files_.AddFolder(path);
     specialFolders_[folder] = std::move(path);
   }
-  void SetTempPath(std::string path) { files_.AddFolder(tempPath_ = std::move(path)); }
   void SetModuleFolder(std::string path) { files_.AddFolder(moduleFolder_ = std::move(path)); }
   void SetModuleName(std::string name) { moduleName_ = std::move(name); }
   // Makes `drive` ("X:", any case) a network drive with that share name.

@@ -77,11 +77,6 @@ void FakeFileSystem::FailNext(FsOp op, const std::string& path, int32_t errorNum
 
 bool FakeFileSystem::Exists(const std::string& path) const { return Locate(path, true).ok(); }
 
-bool FakeFileSystem::IsFolder(const std::string& path) const {
-  const rt::Result<Where> where = Locate(path);
-  return where && where->Folder();
-}
-
 std::optional<std::string> FakeFileSystem::Contents(const std::string& path) const {
   const rt::Result<Where> where = Locate(path);
   return where && where->node && !where->node->folder ? std::optional(where->node->bytes) : std::nullopt;

@@ -52,7 +52,6 @@ class FakeFileSystem : public platform::FileSystem {
 
   // --- Inspection.
   bool Exists(const std::string& path) const;
-  bool IsFolder(const std::string& path) const;
   // The bytes of a file; nothing for a folder or a missing path.
   std::optional<std::string> Contents(const std::string& path) const;
   const FsRecord& Record() const { return record_; }

@@ -11,6 +11,8 @@
 
 namespace sentrune::testing {
 
+using Strings = std::vector<std::string>;
+
 struct AskedBox {
   std::string prompt;
   int style = 0;
@@ -49,11 +51,18 @@ class FakeUi : public platform::Ui {
 
   // What the core showed and asked, in order.
   std::vector<AskedBox> boxes;
+  Strings Prompts() const { return Each(&AskedBox::prompt); }
+  Strings Titles() const { return Each(&AskedBox::title); }
   std::vector<platform::FileHandlerQuestion> fileQuestions;
   std::vector<std::string> browseTitles;
   std::vector<platform::FormView> forms;
 
  private:
+  Strings Each(std::string AskedBox::*field) const {
+    Strings texts;
+    for (const AskedBox& box : boxes) texts.push_back(box.*field);
+    return texts;
+  }
   template <typename T>
   static T PopOr(std::deque<T>& queue, T fallback) {
     if (queue.empty()) return fallback;

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/pe/pe_test_files.h"
+#include "support/host_files.h"
 
 namespace sentrune::testing {
 
@@ -76,10 +76,10 @@ inline DamageSeen ExpectRobust(const Reader& read, const std::vector<std::vector
     }
   }
   std::error_code missing;
-  const auto folder = std::filesystem::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures/fuzz" / damage.savedInputs;
+  const auto folder = FixtureFolder() / "fuzz" / damage.savedInputs;
   for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
     if (!entry.is_regular_file()) continue;
-    readAs("saved input " + entry.path().filename().string(), ReadHostFile(entry.path()));
+    readAs("saved input " + entry.path().filename().string(), ReadHostBytes(entry.path()));
     ++seen.saved;
   }
   return seen;

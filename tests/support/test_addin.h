@@ -19,6 +19,10 @@ struct TestAddin {
   AddinState state{Platform{env, ui, profiles, versions, typelibs}};
 
   FakeFileSystem& files() { return env.Files(); }
+  // The add-in's own INI file.
+  static constexpr const char* kIni = "C:\\Addin\\Sentrune.ini";
+  std::string Ini() { return files().Contents(kIni).value_or("<missing>"); }
+  void SetIni(std::string bytes) { files().AddFile(kIni, std::move(bytes)); }
   // The trace file's lines, without their CR LF.
   std::vector<std::string> TraceLines();
 };

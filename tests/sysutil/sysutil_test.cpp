@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "support/test_addin.h"
+#include "support/fake_env.h"
 #include "sysutil/unc_path.h"
-#include "sysutil/version_info.h"
 
 namespace sentrune {
 namespace {
@@ -15,13 +14,6 @@ TEST(MappedDrive2UncPath, JoinsTheShareWithExactlyOneBackslash) {
   EXPECT_EQ(MappedDrive2UncPath(env, "C:\\dir\\file.dll"), "C:\\dir\\file.dll");
   EXPECT_EQ(MappedDrive2UncPath(env, "\\\\other\\x\\y"), "\\\\other\\x\\y");
   EXPECT_EQ(MappedDrive2UncPath(env, ""), "");
-}
-
-TEST(FileVersionText, MissingOrBrokenFilesGiveZeros) {
-  testing::TestAddin addin;
-  addin.files().AddFile("C:\\bin\\junk.dll", "MZ not really a PE image");
-  EXPECT_EQ(FileVersionText(addin.versions, "C:\\bin\\junk.dll"), "0.0.0.0");
-  EXPECT_EQ(FileVersionText(addin.versions, "C:\\bin\\missing.dll"), "0.0.0.0");
 }
 
 }  // namespace

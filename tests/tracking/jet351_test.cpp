@@ -8,17 +8,12 @@
 
 #include <filesystem>
 
-#include "platform/ini/ini_file.h"
-#include "platform/pe/version_resources_portable.h"
-#include "platform/posix/posix_env.h"
-#include "platform/tlb/typelib_source_portable.h"
+#include "support/posix_addin.h"
 #include "support/temp_folder.h"
 #include "tracking_world.h"
 
 namespace sentrune::tracking_test {
 namespace {
-
-using testing::FsOp;
 
 class TrackingDb : public ::testing::Test, protected TrackingWorld {
  protected:
@@ -57,7 +52,7 @@ TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCaseAndBuildsAreRecorded
   EXPECT_EQ(jet.AddBuildHistory("C:\\Work\\Gone.dll"), rt::errnum::kFileNotFound);
   EXPECT_EQ(Table("SELECT BuildEventID, BuildFileName, BuildFileDate FROM BuildHistory"),
             (Rows{{"1", "C:\\Work\\Grid.dll", "2021-03-04 17:05:06"}}));
-  EXPECT_EQ(Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting",
+  EXPECT_EQ(ui.Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting",
                                "clsJet351:AddBuildHistory"}));
   EXPECT_EQ(ui.boxes[1].style, platform::mb::kCritical);
   EXPECT_FALSE(state.err.pending());
@@ -96,7 +91,7 @@ TEST_F(TrackingDb, StoredTotalsReadAsTheirLeadingWholeNumber) {
   jet.LoadTimerJobs();
   // The overflowing total ends the load, as the engine's failures do.
   EXPECT_EQ(Jobs(jet.TimerJobs()), (Strings{"Form1=12", "=0"}));
-  EXPECT_EQ(Titles(), Strings{"clsJet351:LoadTimerJobs"});
+  EXPECT_EQ(ui.Titles(), Strings{"clsJet351:LoadTimerJobs"});
 }
 
 TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobsAndAFailedWriteLeavesIt) {
@@ -114,11 +109,11 @@ TEST_F(TrackingDb, SavingTouchesTheFileOnlyForChangedJobsAndAFailedWriteLeavesIt
 
   // A failed write-back is reported and leaves the old file.
   const std::string before = *files().Contents(kDb);
-  files().FailNext(FsOp::kRename, kDb, rt::errnum::kPermissionDenied);
+  files().FailNext(testing::FsOp::kRename, kDb, rt::errnum::kPermissionDenied);
   EXPECT_EQ(jet.SaveDBSetting("CompatBase", "C:\\Models\\"), rt::errnum::kPermissionDenied);
   EXPECT_EQ(files().Contents(kDb), before);
   EXPECT_FALSE(files().Exists(std::string(kDb) + ".tmp"));
-  EXPECT_EQ(Titles(), Strings{"clsJet351:SaveDBSetting"});
+  EXPECT_EQ(ui.Titles(), Strings{"clsJet351:SaveDBSetting"});
 }
 
 TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
@@ -126,7 +121,7 @@ TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
   for (const char* key : {"Form1", "O'Brien", "Zeta"}) jet.AddTimerJob(key).SetChanged(true);
   jet.SaveTimerJobs();
   EXPECT_EQ(Table("SELECT ProjCompID FROM TimeLog"), (Rows{{"Form1"}}));
-  EXPECT_EQ(Titles(), Strings{"clsJet351:SaveTimerJobs"});
+  EXPECT_EQ(ui.Titles(), Strings{"clsJet351:SaveTimerJobs"});
   EXPECT_TRUE(ui.boxes[0].prompt.starts_with("Error 3077\r\n"));
 
   // Text that only parses once the criterion is bracketed must fail too,
@@ -153,7 +148,7 @@ TEST_F(TrackingDb, AFileThatIsNoDatabaseFailsEachOperationCleanly) {
     EXPECT_EQ(jet.AddBuildHistory(kDb), jeterr::kUnrecognizedFormat);
     EXPECT_EQ(jet.GetDBSetting("CompatBase"), "");
     EXPECT_EQ(jet.CurrentDBObject(), nullptr);
-    EXPECT_EQ(Titles(), (Strings{"clsJet351:LoadTimerJobs", "clsJet351:SaveTimerJobs", "clsJet351:AddBuildHistory",
+    EXPECT_EQ(ui.Titles(), (Strings{"clsJet351:LoadTimerJobs", "clsJet351:SaveTimerJobs", "clsJet351:AddBuildHistory",
                                  "clsJet351:GetDBSetting"}));
     EXPECT_EQ(files().Contents(kDb), bytes);
     EXPECT_TRUE(files().Record().renames.empty());
@@ -198,21 +193,12 @@ TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
   folder.Write("Grid.dll", "MZ");
   folder.MakeFolder("home");
   {
-    posix::PosixEnvOptions options;
-    options.homeHostDir = folder / "home";
-    options.wineprefix = folder / "no-prefix";
-    options.drives = {{'T', folder.path()}};
-    posix::PosixEnv env(options);
-    testing::FakeUi ui;
-    portable::PortableProfileFiles profiles{env.Files()};
-    portable::PortableVersionResources versions{env.Files()};
-    portable::PortableTypeLibSource typelibs{env.Files()};
-    AddinState state{Platform{env, ui, profiles, versions, typelibs}};
-    clsJet351 jet(state);
+    testing::PosixAddin addin(folder / "home", folder / "no-prefix", {{'T', folder.path()}});
+    clsJet351 jet(addin.state);
     jet.SetCurrentDBName("T:\\Grid.stn");
     ASSERT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), 0);
     ASSERT_EQ(jet.SaveDBSetting("SnapshotBase", "T:\\Snaps\\"), 0);
-    EXPECT_TRUE(ui.boxes.empty());
+    EXPECT_TRUE(addin.ui.boxes.empty());
     EXPECT_FALSE(std::filesystem::exists(folder / "Grid.stn.tmp"));
   }
 

@@ -38,11 +38,6 @@ inline Strings Jobs(const rt::KeyedCollection<clsTimerJob>& jobs) {
 struct TrackingWorld : testing::TestAddin {
   TrackingWorld() { files().AddFolder("C:\\Work"); }
   Rows Table(const std::string& db, const std::string& sql) { return Query(files().Contents(db).value(), sql); }
-  Strings Titles() const {
-    Strings titles;
-    for (const auto& box : ui.boxes) titles.push_back(box.title);
-    return titles;
-  }
   void Advance(double seconds) { env.Time().Advance(seconds); }
 };
 

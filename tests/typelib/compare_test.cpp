@@ -12,7 +12,6 @@ namespace sentrune::testing {
 namespace {
 
 using namespace tlb;
-namespace vt = platform::vt;
 
 // A heading, the level, then one difference a line.
 std::string Report(const std::string& heading, const std::vector<TlbDifference>& differences) {
@@ -58,7 +57,7 @@ TEST(Compare, EditsOfTheInMemoryLibrary) {
 
   built = WidgetsLibrary();
   Find(built, "Widget").guid = "{99999999-0000-0000-0000-000000000002}";
-  Find(built, "__Widget").functions.push_back(Function("Closed", 1, Type(vt::kVoid)));
+  Find(built, "__Widget").functions.push_back(Function("Closed", 1, Type(platform::vt::kVoid)));
   Find(built, "_Widget").functions.erase(Find(built, "_Widget").functions.begin());  // Property Get gone
   built.types.pop_back();                                                             // IHelper gone
   model.types.push_back(TypeInfo("Shape", "enum"));

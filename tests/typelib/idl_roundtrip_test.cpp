@@ -1,6 +1,5 @@
 // The IDL renderer checked the only way that matters: widl compiles it back
 // into a library whose model equals the original's.
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -15,17 +14,6 @@ namespace sentrune::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string CommandOutput(const std::string& command) {
-  std::string out;
-  if (FILE* pipe = popen(command.c_str(), "r")) {
-    char buffer[512];
-    while (fgets(buffer, sizeof buffer, pipe)) out += buffer;
-    pclose(pipe);
-  }
-  while (!out.empty() && (out.back() == '\n' || out.back() == '\r')) out.pop_back();
-  return out;
-}
 
 // widl finds stdole2.tlb only in a folder given with -L; libwine ships it.
 std::string StdoleFolder() {
@@ -88,15 +76,11 @@ TEST_F(IdlRoundTrip, FixturesComeBackWithTheSameModel) {
 // Components the VB6 compiler built; those naming types of other libraries
 // cannot be written as IDL and must say so.
 TEST_F(IdlRoundTrip, CorpusComponentsComeBackOrAreRefusedByName) {
-  const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
-  if (!fs::is_directory(corpus)) GTEST_SKIP() << "no corpus";
+  const std::vector<fs::path> files = CorpusFiles({".dll", ".ocx", ".cmp"});
+  if (files.empty()) GTEST_SKIP() << "no corpus";
   FixtureWorld world;
   int written = 0;
-  for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
-    const std::string extension = rt::LCase(entry.path().extension().string());
-    if (extension == ".dll" || extension == ".ocx" || extension == ".cmp")
-      written += RoundTrip(world, world.AddHostFile(entry.path().string(), entry.path().filename().string()));
-  }
+  for (const fs::path& file : files) written += RoundTrip(world, world.AddHostFile(file, file.filename().string()));
   EXPECT_GT(written, 0);
 }
 

@@ -10,17 +10,15 @@ namespace {
 using namespace testing::tlb;
 namespace vt = platform::vt;
 
-TEST(TranslateType, AliasesFlagsAndUnsupportedCodes) {
-  const std::pair<uint16_t, const char*> cases[] = {
+TEST(MemberDeclaration, TypesKindWordsParametersReturnsAndNames) {
+  const std::pair<uint16_t, const char*> types[] = {
       {72, " As CLSID"}, {18, " As <Unsupported Variant Type(VT_UI2)>"},
       {16, " As <Unsupported Variant Type>"},
       // The base code is masked: a vector of longs reads Long, by-reference is invisible.
       {0x1003, " As Long"}, {0x4000 | 8, " As String"}, {0x6000 | 12, "() As Variant"}};
-  for (const auto& [code, text] : cases) EXPECT_EQ(sfncTranslateType(code), text) << code;
+  for (const auto& [code, text] : types) EXPECT_EQ(sfncTranslateType(code), text) << code;
   EXPECT_EQ(TypeText(Type(0x6000, "Point")), "() As Point");
-}
 
-TEST(MemberDeclaration, KindWordsParametersReturnsAndNames) {
   platform::TlbParam optional = Param("o", Type(vt::kVariant));
   optional.optional = true;
   platform::TlbParam byRefDefault = Param("x", Type(0x4000 | vt::kI4));

@@ -4,8 +4,6 @@
 // small VB-style library to start from; and the committed fixtures read by
 // the real portable readers, "C:\F\<name>" holding
 // tests/fixtures/typelib/<name>.
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,6 +17,7 @@
 #include "support/fake_env.h"
 #include "support/fake_typelib_source.h"
 #include "support/fake_ui.h"
+#include "support/host_files.h"
 #include "support/test_addin.h"
 #include "typelib/parse_tlb.h"
 
@@ -91,14 +90,7 @@ inline platform::TlbLibrary WidgetsLibrary() {
   return lib;
 }
 
-inline std::string FixturePath(const std::string& name) {
-  return std::string(SENTRUNE_SOURCE_DIR) + "/tests/fixtures/typelib/" + name;
-}
-
-inline std::string ReadHostFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+inline std::string FixturePath(const std::string& name) { return FixtureFolder() / "typelib" / name; }
 
 struct FixtureWorld : TestAddin {
   // Copies the fixture in (once) and returns its Windows path.

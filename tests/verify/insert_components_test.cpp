@@ -13,7 +13,6 @@ namespace sentrune::testing {
 namespace {
 
 namespace mb = platform::mb;
-using Strings = std::vector<std::string>;
 
 constexpr const char* kClassFile = "C:\\Src\\App\\cVerifyInstallation.cls";
 constexpr const char* kTlbInfAdded = "A reference to tlbinf32.dll (required) has been added to your project.";
@@ -27,7 +26,7 @@ TEST(InsertVerifyClass, WritesAddsAndSavesThenRefreshesInPlaceWhenAsked) {
   ProjectWorld w;
   w.OpenApp(kWidgetsReference);
   EXPECT_EQ(InsertClass(w), InsertOutcome::kAdded);
-  EXPECT_EQ(w.Prompts(), (Strings{kTlbInfAdded, kRefreshed}));
+  EXPECT_EQ(w.ui.Prompts(), (Strings{kTlbInfAdded, kRefreshed}));
   EXPECT_NE(w.env.Files().Contents(kClassFile).value_or("").find("\r\nGUID:=\"{11111111-0000-0000-0000-000000000001}\", _\r\n"), std::string::npos);
   const std::string vbp = w.ProjectText();
   ExpectMatchesFile(vbp, "verify/App.vbp");
@@ -39,13 +38,13 @@ TEST(InsertVerifyClass, WritesAddsAndSavesThenRefreshesInPlaceWhenAsked) {
   w.ui.boxes.clear();
   w.ui.QueueAnswer(mb::kNo);
   EXPECT_EQ(InsertClass(w), InsertOutcome::kDeclined);
-  EXPECT_EQ(w.Prompts(), Strings{"cVerifyInstallation already exists. Refresh?"});
+  EXPECT_EQ(w.ui.Prompts(), Strings{"cVerifyInstallation already exists. Refresh?"});
   EXPECT_EQ(w.env.Files().Contents(kClassFile), edited);
   w.ui.boxes.clear();
   w.ui.QueueAnswer(mb::kYes);
   EXPECT_EQ(InsertClass(w), InsertOutcome::kAdded);
   // The reference added the first time is found now, so it is not added again.
-  EXPECT_EQ(w.Prompts(), (Strings{"cVerifyInstallation already exists. Refresh?", kRefreshed}));
+  EXPECT_EQ(w.ui.Prompts(), (Strings{"cVerifyInstallation already exists. Refresh?", kRefreshed}));
   EXPECT_NE(w.env.Files().Contents(kClassFile), edited);
   EXPECT_EQ(w.ProjectText(), vbp);
 }
@@ -54,13 +53,13 @@ TEST(InsertVerifyClass, ReportsWhatStopsIt) {
   ProjectWorld none;
   none.OpenApp("Reference=*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#C:\\Windows\\System32\\stdole2.tlb#OLE\r\n");
   EXPECT_EQ(InsertClass(none), InsertOutcome::kNothingToDo);
-  EXPECT_EQ(none.Prompts(), Strings{"No external dependencies found\r\nAdd/refresh will not take place."});
+  EXPECT_EQ(none.ui.Prompts(), Strings{"No external dependencies found\r\nAdd/refresh will not take place."});
 
   ProjectWorld missing;
   missing.OpenApp(kWidgetsReference);
   ASSERT_TRUE(missing.env.Files().DeleteFile("C:\\Addin\\VerifyClassTemplate.txt").ok());
   EXPECT_EQ(InsertClass(missing), InsertOutcome::kFailed);
-  EXPECT_EQ(missing.Prompts(), Strings{"Unable to insert the verification class.\r\nThe file:\r\n"
+  EXPECT_EQ(missing.ui.Prompts(), Strings{"Unable to insert the verification class.\r\nThe file:\r\n"
                                        "C:\\Addin\\VerifyClassTemplate.txt is missing."});
   EXPECT_FALSE(missing.env.Files().Exists(kClassFile));
 }
@@ -86,18 +85,17 @@ TEST(InsertAlignControl, AddsOnceRenamedAndPublicInControlProjects) {
   w.options.AlignControl = "Guide";
   w.OpenApp(kWidgetsReference, "Control");
   EXPECT_EQ(InsertAlignControl(w.state, w.options, w.ide), InsertOutcome::kAdded);
-  const std::string ctl = w.env.Files().Contents("C:\\Src\\App\\Guide.ctl").value_or("");
-  EXPECT_TRUE(ctl.starts_with("VERSION 5.00\r\nBegin VB.UserControl Guide\r\n"));
-  EXPECT_NE(ctl.find("Attribute VB_Exposed = True\r\n"), std::string::npos);
+  // Renamed in its Begin line and VB_Name, and public.
+  ExpectMatchesFile(w.env.Files().Contents("C:\\Src\\App\\Guide.ctl").value_or(""), "verify/Guide.ctl");
   EXPECT_NE(w.ProjectText().find("\r\nUserControl=Guide.ctl\r\n"), std::string::npos);
   EXPECT_EQ(InsertAlignControl(w.state, w.options, w.ide), InsertOutcome::kNothingToDo);
-  EXPECT_EQ(w.Prompts(), (Strings{"UserControl has been added.", "Guide already exists."}));
+  EXPECT_EQ(w.ui.Prompts(), (Strings{"UserControl has been added.", "Guide already exists."}));
 
   ProjectWorld exe;
   exe.OpenApp("");
   ASSERT_TRUE(exe.env.Files().DeleteFile("C:\\Addin\\AlignmentHelper.ctl").ok());
   EXPECT_EQ(InsertAlignControl(exe.state, exe.options, exe.ide), InsertOutcome::kFailed);
-  EXPECT_EQ(exe.Prompts(), Strings{"Failed to add UserControl."});
+  EXPECT_EQ(exe.ui.Prompts(), Strings{"Failed to add UserControl."});
 }
 
 // Only the marker and the name change; texts are quoted as VB needs.

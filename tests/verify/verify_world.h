@@ -36,11 +36,6 @@ struct VerifyWorld : TypelibWorld {
     Register(ole.guid, "2.0", "C:\\Windows\\System32\\stdole2.tlb");
     AddLibrary("C:\\Windows\\System32\\stdole2.tlb", ole.guid, 2, 0, {0x00030032, 0x13960000});
   }
-  std::vector<std::string> Prompts() const {
-    std::vector<std::string> prompts;
-    for (const AskedBox& box : ui.boxes) prompts.push_back(box.prompt);
-    return prompts;
-  }
 };
 
 inline std::string ShippedTemplate(const std::string& name) {

@@ -10,8 +10,6 @@
 namespace sentrune::testing {
 namespace {
 
-namespace mb = platform::mb;
-
 constexpr const char* kSnapshot = "C:\\Src\\Widgets\\Widgets 2004.05.06-14.03.09\\";
 
 TEST(SnapshotList, TakesTheNamedFilesAndTheirCompanionsThatExist) {
@@ -95,7 +93,7 @@ TEST(Snapshot, AfterABuildSilentlyAndFromTheMenuWithCommentAndDependencies) {
 
   // The menu's snapshot in the same second replaces the read-only copies.
   w.files().AddFile("C:\\Src\\Widgets\\Widget.cls", "VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Widget\"\r\n'v2\r\n");
-  w.ui.QueueFileHandler({mb::kYes, kSnapshot, std::nullopt, "Release 1.0", true, true});
+  w.ui.QueueFileHandler({platform::mb::kYes, kSnapshot, std::nullopt, "Release 1.0", true, true});
   EXPECT_EQ(lfncSnapshotEX(*w.sink, true), 0);
   EXPECT_EQ(w.files().Contents(folder + "Widget.cls"), w.files().Contents("C:\\Src\\Widgets\\Widget.cls"));
   ASSERT_EQ(w.Captions(), Strings{"Create Snapshot?"});
@@ -113,8 +111,7 @@ TEST(Snapshot, AfterABuildSilentlyAndFromTheMenuWithCommentAndDependencies) {
   ASSERT_TRUE(w.files().DeleteFile(kProjectFile).ok());
   w.ui.fileQuestions.clear();
   EXPECT_EQ(lfncSnapshotEX(*w.sink, true), 53);
-  ASSERT_EQ(w.ui.boxes.size(), 1u);
-  EXPECT_EQ(w.ui.boxes[0].prompt, "'Widgets' not saved or path not found.");
+  EXPECT_EQ(w.ui.Prompts(), Strings{"'Widgets' not saved or path not found."});
   EXPECT_TRUE(w.ui.fileQuestions.empty());
 }
 

@@ -4,15 +4,14 @@
 // (real PE files with their type libraries) to "compile".
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
+#include "support/host_files.h"
 #include "support/test_addin.h"
 #include "tracking/activity_tracker.h"
 #include "workflow/cls_project.h"
@@ -20,17 +19,10 @@
 
 namespace sentrune::testing {
 
-using Strings = std::vector<std::string>;
-
 // 1.1 adds members to 1.0.
 inline const std::string& Widgets(const std::string& version) {
-  static const auto read = [](const std::string& name) {
-    std::ifstream in(std::string(SENTRUNE_SOURCE_DIR) + "/examples/Widgets/builds/" + name, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-  };
-  static const std::string v10 = read("Widgets-1.0.dll"), v11 = read("Widgets-1.1.dll");
+  static const std::string v10 = ReadHostFile(SENTRUNE_SOURCE_DIR "/examples/Widgets/builds/Widgets-1.0.dll"),
+                           v11 = ReadHostFile(SENTRUNE_SOURCE_DIR "/examples/Widgets/builds/Widgets-1.1.dll");
   return version == "1.0" ? v10 : v11;
 }
 

@@ -16,7 +16,7 @@ struct Console {
   ConsoleUi ui;
 };
 
-TEST(ConsoleUi, FixedAnswersAreSaidOnTheErrorStream) {
+TEST(ConsoleUi, AnswersFixedOrAskedAreSaidOnTheErrorStream) {
   Console yes(AnswerMode::kYes);
   EXPECT_EQ(yes.ui.MsgBox("Overwrite?", kOkCancel + kExclamation, "File Already Exists"), kOk);
   EXPECT_EQ(yes.err.str(), "== File Already Exists ==\nOverwrite?\n-> OK\n");
@@ -26,9 +26,8 @@ TEST(ConsoleUi, FixedAnswersAreSaidOnTheErrorStream) {
   EXPECT_EQ(no.ui.MsgBox("Go on?", kOkCancel, "Go"), kCancel);
   EXPECT_EQ(no.ui.MsgBox("Done.", kInformation, "Sentrune"), kOk);
   EXPECT_TRUE(no.out.str().empty());
-}
 
-TEST(ConsoleUi, AsksUntilAnAnswerFitsAndRefusesAtEndOfInput) {
+  // Asked, until an answer fits; refused at the end of the input.
   Console console(AnswerMode::kAsk, "maybe\nn\n");
   EXPECT_EQ(console.ui.MsgBox("Line one\r\nLine two", kYesNo, "Q"), kNo);
   EXPECT_NE(console.err.str().find("Line one\nLine two\n"), std::string::npos);
@@ -47,18 +46,6 @@ TEST(ConsoleUi, FileHandlerKeepsOrEditsTheDestination) {
 
   Console automatic(AnswerMode::kYes);
   EXPECT_EQ(automatic.ui.AskFileHandler(q).destination, q.destination);
-}
-
-TEST(ConsoleUi, RendersTreesAndGrids) {
-  platform::FormView tree;
-  tree.kind = platform::FormView::Kind::kTree;
-  tree.tree = {{"k", "root", {{"k\\a", "a", {{"k\\a\\b", "b", {}}}}}}};
-  EXPECT_EQ(RenderForm(tree), "root\n  a\n    b\n");
-
-  platform::FormView grid;
-  grid.kind = platform::FormView::Kind::kGrid;
-  grid.rows = {{0, true, {"Section"}}, {1, false, {"Short", "Yes"}}, {2, false, {"Longer one", "No"}}};
-  EXPECT_EQ(RenderForm(grid), "Section\n  Short         Yes\n    Longer one  No\n");
 }
 
 }  // namespace

@@ -4,10 +4,7 @@
 // through the POSIX file system, each opening and serializing unchanged.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,10 +13,10 @@
 #include "platform/headless/headless_project.h"
 #include "platform/ide.h"
 #include "platform/posix/posix_file_system.h"
-#include "runtime/text.h"
 #include "support/expected_file.h"
 #include "support/fake_file_system.h"
 #include "support/fake_typelib_source.h"
+#include "support/host_files.h"
 
 namespace sentrune::headless::test {
 namespace {
@@ -28,17 +25,13 @@ namespace hostfs = std::filesystem;
 using testing::FakeFileSystem;
 using Lines = std::vector<std::string>;
 
-std::string HostBytes(const hostfs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-const hostfs::path kFixtures = hostfs::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures/vbp";
-std::string FixtureBytes(const std::string& name) { return HostBytes(kFixtures / name); }
+using testing::ReadHostFile;
+std::string FixtureBytes(const std::string& name) { return ReadHostFile(testing::FixtureFolder() / "vbp" / name); }
 // Every file of a folder of tests/fixtures/vbp, at `to` in the fake.
 void AddFixtureTree(FakeFileSystem& fs, const std::string& name, const std::string& to) {
-  const hostfs::path from = kFixtures / name;
+  const hostfs::path from = testing::FixtureFolder() / "vbp" / name;
   for (const auto& entry : hostfs::recursive_directory_iterator(from))
-    if (entry.is_regular_file()) fs.AddFile(to + "/" + relative(entry.path(), from).string(), HostBytes(entry));
+    if (entry.is_regular_file()) fs.AddFile(to + "/" + relative(entry.path(), from).string(), ReadHostFile(entry));
 }
 
 // A component source file as the IDE writes one.
@@ -391,28 +384,20 @@ TEST(HeadlessIdeMenus, ClickingOpensEachMenuOnTheWay) {
 class HeadlessCorpus : public ::testing::Test {
  protected:
   void SetUp() override {
-    const hostfs::path corpus = hostfs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
-    if (!hostfs::is_directory(corpus)) GTEST_SKIP() << "no corpus at " << corpus;
-    root_ = hostfs::canonical(corpus);
+    if (!hostfs::is_directory(testing::CorpusFolder())) GTEST_SKIP() << "no corpus at " << testing::CorpusFolder();
+    root_ = hostfs::canonical(testing::CorpusFolder());
     // Paths that climb out of a project stop at S:\ and never reach the
     // rest of the machine.
     files_ = std::make_unique<posix::PosixFileSystem>(posix::DriveMap::Build("", {{'S', root_.string()}}));
   }
 
   // Corpus files with this extension (any case), relative, in a fixed order.
-  std::vector<hostfs::path> Find(const std::string& extension) const {
+  std::vector<hostfs::path> Find(std::string_view extension) const {
     std::vector<hostfs::path> found;
-    for (const auto& entry : hostfs::recursive_directory_iterator(root_))
-      if (entry.is_regular_file() && rt::IEquals(entry.path().extension().string(), extension))
-        found.push_back(hostfs::relative(entry.path(), root_));
-    std::sort(found.begin(), found.end());
+    for (const hostfs::path& file : testing::CorpusFiles({extension})) found.push_back(hostfs::relative(file, root_));
     return found;
   }
-  static std::string Windows(const hostfs::path& relative) {
-    std::string path = "S:\\" + relative.string();
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-  }
+  static std::string Windows(const hostfs::path& relative) { return "S:\\" + testing::Backslashed(relative); }
   std::shared_ptr<HeadlessProject> OpenProject(HeadlessIde& ide, const std::string& relative) {
     auto opened = ide.Open(Windows(relative));
     EXPECT_TRUE(opened.ok()) << relative << ": " << (opened.ok() ? "" : opened.error().description);
@@ -434,7 +419,7 @@ TEST_F(HeadlessCorpus, EveryProjectOpensAndSerializesUnchanged) {
     // one that a stale 8.3 path places outside the repository.
     for (const std::string& missing : project->MissingFiles())
       EXPECT_NE(missing.find("\\PROGRA~2\\"), std::string::npos) << relative << ": " << missing;
-    EXPECT_EQ(project->Serialize(), HostBytes(root_ / relative)) << relative;
+    EXPECT_EQ(project->Serialize(), ReadHostFile(root_ / relative)) << relative;
   }
 }
 

@@ -10,12 +10,12 @@
 #include <string>
 #include <tuple>
 
-#include "pe_test_files.h"
 #include "platform/pe/byte_reader.h"
 #include "platform/pe/pe_image.h"
 #include "platform/tlb/typelib_source_portable.h"
 #include "platform/pe/version_resources_portable.h"
 #include "support/fake_file_system.h"
+#include "support/host_files.h"
 #include "support/robustness.h"
 
 namespace sentrune::portable {
@@ -155,7 +155,7 @@ TEST(PeImage, ReadsEveryInstalledWineDllAndItsVersion) {
     size_t versions = 0;
     for (const auto& path : testing::WineFiles(arch, ".dll")) {
       any = true;
-      const auto bytes = testing::ReadHostFile(path);
+      const auto bytes = testing::ReadHostBytes(path);
       auto image = PeImage::Parse(bytes);
       ASSERT_TRUE(image.ok()) << path << ": " << image.error().description;
       EXPECT_EQ(image->is64(), std::string(arch) == "x86_64") << path;
@@ -191,7 +191,7 @@ std::optional<std::string> Exercise(std::span<const uint8_t> bytes) {
 TEST(PeRobustness, DamagedImagesGiveErrorsOrTheirOwnVersion) {
   std::vector<Bytes> good = {FixtureFile("typelib/widgets.dll"), FixtureFile("pe/lookup.dll")};
   for (const char* name : {"stdole2.tlb", "stdole32.tlb"}) {
-    if (auto path = testing::WineFile("x86_64", name)) good.push_back(testing::ReadHostFile(*path));
+    if (auto path = testing::WineFile("x86_64", name)) good.push_back(testing::ReadHostBytes(*path));
   }
   // Changes in the first pages hit structure; the rest of a real image is mostly code.
   testing::ExpectRobust(Exercise, good, {.hotBytes = 0x1000, .savedInputs = "pe"});

@@ -26,6 +26,7 @@
 #include "platform/posix/wine_server.h"
 #include "platform/posix/wine_server_registry.h"
 #include "platform/winereg/wine_registry_file.h"
+#include "support/host_files.h"
 #include "support/temp_folder.h"
 
 namespace sentrune::posix {
@@ -188,16 +189,15 @@ class WineServerProbe : public ::testing::Test {
   int lockFd_ = -1;
 };
 
-TEST_F(WineServerProbe, LooksWhereEitherWineKeepsItsServer) {
+TEST_F(WineServerProbe, LooksWhereEitherWineKeepsItsServerForASocketAndAHeldLock) {
   const std::string upstream = tmp_ + "/.wine-" + std::to_string(getuid()) + "/" + server_;
   EXPECT_EQ(WineServerFolders(prefix_, tmp_), std::vector<std::string>{upstream});
   std::ofstream(prefix_ + "/wineserver") << "wine-AbC123";
   EXPECT_EQ(WineServerFolders(prefix_, tmp_), (std::vector<std::string>{tmp_ + "/wine-AbC123/" + server_, upstream}));
   EXPECT_TRUE(WineServerFolders(tmp_ + "/no-such-prefix", tmp_).empty());
   EXPECT_FALSE(WineServerRunning(tmp_ + "/no-such-prefix", tmp_));
-}
 
-TEST_F(WineServerProbe, RunningMeansSocketAndHeldLock) {
+  // Running means a socket and a held lock.
   std::ofstream(prefix_ + "/wineserver") << "wine-AbC123\n";
   const std::string folder = tmp_ + "/wine-AbC123/" + server_;
   EXPECT_FALSE(WineServerRunning(prefix_, tmp_));
@@ -229,13 +229,7 @@ class WinePrefix {
   const std::string& path() const { return folder_.path(); }
   int Run(const std::string& command) const { return std::system((Env() + command + " >/dev/null 2>&1").c_str()); }
   std::string Query(const std::string& key) const {
-    std::string out;
-    if (FILE* pipe = popen((Env() + "wine reg query '" + key + "' 2>/dev/null").c_str(), "r")) {
-      char buffer[4096];
-      for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
-      pclose(pipe);
-    }
-    return out;
+    return testing::CommandOutput(Env() + "wine reg query '" + key + "' 2>/dev/null");
   }
 
  private:

@@ -19,8 +19,6 @@
 namespace sentrune::posix {
 namespace {
 
-using platform::DirEntry;
-using platform::FileSystem;
 using Strings = std::vector<std::string>;
 
 // Both give drive T: and no other drive the tests could reach by accident.
@@ -37,7 +35,7 @@ struct HostStore {
 template <typename Store>
 class FileSystemContract : public ::testing::Test {
  protected:
-  FileSystem& fs() { return store_.fs; }
+  platform::FileSystem& fs() { return store_.fs; }
 
   void Write(const std::string& path, const std::string& bytes = "x") {
     ASSERT_TRUE(fs().WriteFile(path, bytes).ok()) << path;
@@ -47,7 +45,7 @@ class FileSystemContract : public ::testing::Test {
   // Folders end in a backslash; a file with more than the archive bit shows them.
   Strings Names(const std::string& pattern) {
     Strings names;
-    for (const DirEntry& e : fs().List(pattern).value_or({})) {
+    for (const platform::DirEntry& e : fs().List(pattern).value_or({})) {
       const uint32_t a = e.attributes;
       names.push_back(e.name + (a == 16 ? "\\" : a == 32 ? "" : " " + std::to_string(a)));
     }
@@ -213,12 +211,22 @@ TEST(ShortNames, FollowTheWindowsPattern) {
   for (const char* name : {"a b.txt", "a.b.c", "toolongname.txt"}) EXPECT_FALSE(IsShortName(name)) << name;
 }
 
-TEST_F(PosixFiles, ShortNamesResolveToTheStoredLongNames) {
+TEST_F(PosixFiles, ShortNamesAndOtherSpellingsResolveToTheStoredNames) {
   root_.Write("Program Files/Widgets Library.dll", "lib");
   root_.MakeFolder("Program Data");
   EXPECT_EQ(*fs_.GetLongPathName("T:\\progra~2\\WIDGET~1.DLL"), "T:\\Program Files\\Widgets Library.dll");
   EXPECT_EQ(*fs_.ReadFile("T:\\PROGRA~2\\widget~1.dll"), "lib");
   EXPECT_EQ(fs_.GetLongPathName("T:\\PROGRA~3\\x.dll").error().number, 76);
+
+  // Host paths take the stored spelling and keep new names.
+  root_.MakeFolder("Src/Widgets");
+  EXPECT_EQ(*fs_.HostPath("T:\\SRC\\widgets\\Widgets.stn"), root_ / "Src/Widgets/Widgets.stn");
+  EXPECT_EQ(fs_.HostPath("T:\\Src\\Missing\\x.stn").error().number, 76);
+  // A name that exists in two spellings on a case-sensitive host: the exact one wins.
+  root_.Write("Src/Case.txt", "upper");
+  root_.Write("Src/case.txt", "lower");
+  EXPECT_EQ(*fs_.ReadFile("T:\\src\\case.txt"), "lower");
+  EXPECT_EQ(*fs_.ReadFile("T:\\src\\Case.txt"), "upper");
 }
 
 TEST_F(PosixFiles, DotFilesAreHiddenAndReadOnlyIsTheOwnersWriteBit) {
@@ -243,17 +251,6 @@ TEST_F(PosixFiles, TimesAreLocalTime) {
   ASSERT_EQ(stat((root_ / "built.dll").c_str(), &st), 0);
   EXPECT_EQ(st.st_mtime, 1074164400);  // 2004-01-15 11:00:00 UTC
   EXPECT_EQ(*fs_.GetLastWriteTime("T:\\built.dll"), (rt::DateTime{2004, 1, 15, 12, 0, 0}));
-}
-
-TEST_F(PosixFiles, HostPathsUseTheStoredSpellingAndKeepNewNames) {
-  root_.MakeFolder("Src/Widgets");
-  EXPECT_EQ(*fs_.HostPath("T:\\SRC\\widgets\\Widgets.stn"), root_ / "Src/Widgets/Widgets.stn");
-  EXPECT_EQ(fs_.HostPath("T:\\Src\\Missing\\x.stn").error().number, 76);
-  // A name that exists in two spellings on a case-sensitive host: the exact one wins.
-  root_.Write("Src/Case.txt", "upper");
-  root_.Write("Src/case.txt", "lower");
-  EXPECT_EQ(*fs_.ReadFile("T:\\src\\case.txt"), "lower");
-  EXPECT_EQ(*fs_.ReadFile("T:\\src\\Case.txt"), "upper");
 }
 
 TEST(InotifyFileWatch, ReportsWrittenAndMovedInFilesOnce) {

@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 namespace vt = platform::vt;
 using platform::TlbValue;
 using testing::Get32;
-using testing::Set16;
 using testing::Set32;
 using Bytes = std::vector<uint8_t>;
 
@@ -63,7 +62,7 @@ TlbValue DecodeConstant(const ValueRef& value) {
   const size_t slot = StoredString(b);
   int32_t ref = value.ref;
   if (ref >= 0) {
-    Set16(b, slot, value.vt);
+    testing::Set16(b, slot, value.vt);
     std::copy(value.payload.begin(), value.payload.end(), b.begin() + static_cast<ptrdiff_t>(slot) + 2);
     ref = static_cast<int32_t>(slot - Segment(b, 11));
   }
@@ -195,7 +194,7 @@ size_t DecodeAll(const std::vector<fs::path>& files) {
   size_t count = 0;
   const auto type = ResourceId::Named(kTypeLibResourceType);
   for (const fs::path& file : files) {
-    const auto bytes = testing::ReadHostFile(file);
+    const auto bytes = testing::ReadHostBytes(file);
     if (!PeImage::LooksLikePe(bytes)) continue;
     auto image = PeImage::Parse(bytes);
     if (!image.ok()) continue;
@@ -230,18 +229,8 @@ TEST(MsftCorpus, EveryWineTypeLibraryDecodes) {
 }
 
 TEST(MsftCorpus, Vb6ComponentsDecode) {
-  const fs::path corpus = fs::path(SENTRUNE_SHARED_DIR) / "corpus" / "vb6";
-  std::error_code error;
-  if (!fs::is_directory(corpus, error)) GTEST_SKIP() << "the VB6 corpus is not present";
-  std::vector<fs::path> files;
-  for (auto it = fs::recursive_directory_iterator(corpus, error); it != fs::recursive_directory_iterator();
-       it.increment(error)) {
-    std::string extension = it->path().extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(), ::tolower);
-    if (extension == ".dll" || extension == ".ocx" || extension == ".cmp") files.push_back(it->path());
-  }
-  if (files.empty()) GTEST_SKIP() << "the VB6 corpus holds no components";
-  std::sort(files.begin(), files.end());
+  const std::vector<fs::path> files = testing::CorpusFiles({".dll", ".ocx", ".cmp"});
+  if (files.empty()) GTEST_SKIP() << "the VB6 corpus is not present";
   EXPECT_GE(DecodeAll(files), files.size());  // every component carries at least one library
 }
 

@@ -8,9 +8,9 @@
 #include <tuple>
 
 #include "tlb_test_files.h"
-#include "platform/pe/pe_image.h"
 #include "platform/tlb/sltg_reader.h"
 #include "platform/tlb/typelib_projection.h"
+#include "platform/tlb/typelib_source_portable.h"
 #include "support/expected_file.h"
 
 namespace sentrune::portable {
@@ -20,7 +20,6 @@ namespace vt = platform::vt;
 using platform::TlbLibrary;
 using platform::TlbMember;
 using platform::TlbType;
-using platform::TlbTypeInfo;
 using testing::DecodeFixture;
 using testing::Facts;
 
@@ -88,15 +87,9 @@ TEST(FixtureProjection, FixturesMatchTheirCommittedRenderings) {
   EXPECT_EQ(Facts(DecodeFixture("sltg/sample-variant.tlb", ReadSltg)),
             Facts(DecodeFixture("sltg/sample.tlb", ReadSltg)));
   const std::string widgets = Lines(ProjectLibrary(DecodeFixture("typelib/widgets.tlb")));
-  EXPECT_EQ(Lines(ProjectLibrary(DecodeFixture("typelib/widgets64.tlb"))), widgets);
-  const auto image = testing::FixtureFile("typelib/widgets.dll");
-  auto parsed = PeImage::Parse(image);
-  ASSERT_TRUE(parsed.ok()) << parsed.error().description;
-  auto resource = parsed->FindResource(ResourceId::Named(kTypeLibResourceType), ResourceId::Number(1));
-  ASSERT_TRUE(resource.has_value());
-  auto raw = ReadMsft(*resource);
-  ASSERT_TRUE(raw.ok()) << raw.error().description;
-  EXPECT_EQ(Lines(ProjectLibrary(*raw)), widgets);
+  const testing::Decoder firstResource = [](std::span<const uint8_t> bytes) { return ReadTypeLibBytes(bytes, 1); };
+  for (const char* name : {"typelib/widgets64.tlb", "typelib/widgets.dll"})
+    EXPECT_EQ(Lines(ProjectLibrary(DecodeFixture(name, firstResource))), widgets) << name;
 }
 
 // A stored library built by hand.
@@ -198,7 +191,7 @@ TEST(ProjectionRules, InterfaceKindDualsShowTheDispatchView) {
   lib.raw.types[0].impls = {{Library::LocalRef(1), 0}};
   lib.raw.types[1].impls = {{Library::LocalRef(0), 0}};
 
-  const TlbTypeInfo view = ProjectLibrary(lib.raw).types[1];
+  const platform::TlbTypeInfo view = ProjectLibrary(lib.raw).types[1];
   EXPECT_EQ(view.kind, "dispatch");
   EXPECT_EQ(view.flags, 0x1040u);
   ASSERT_EQ(view.functions.size(), 9u);

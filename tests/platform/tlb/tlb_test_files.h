@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/pe/pe_test_files.h"
 #include "platform/tlb/msft_reader.h"
 #include "platform/tlb/typelib_projection.h"
+#include "support/host_files.h"
 #include "support/robustness.h"
 
 namespace sentrune::testing {

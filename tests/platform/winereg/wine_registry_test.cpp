@@ -8,8 +8,6 @@
 // and how changes reach the files.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,6 +18,7 @@
 #include "platform/winereg/wine_registry_value.h"
 #include "support/expected_file.h"
 #include "support/fake_file_system.h"
+#include "support/host_files.h"
 #include "support/test_registry.h"
 
 namespace sentrune::portable::winereg {
@@ -28,8 +27,7 @@ namespace {
 using Strings = std::vector<std::string>;
 
 std::string Fixture(const std::string& name) {
-  std::ifstream in(SENTRUNE_SOURCE_DIR "/tests/fixtures/winereg/" + name, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  return testing::ReadHostFile(testing::FixtureFolder() / "winereg" / name);
 }
 // A system.reg cut down from one that Wine 8 wrote for a fresh 64-bit prefix
 // (a win32 entry added beside each type library version).
@@ -119,12 +117,6 @@ TEST(WineRegistryFile, ToleratesWhatWineAcceptsAndNamesTheLineItCannotRead) {
   }
 }
 
-std::string Text(std::u16string_view units) {
-  std::u16string withNul(units);
-  withNul.push_back(u'\0');
-  return Utf16ToBytes(withNul);
-}
-
 TEST(WineRegistryText, EscapesAsWineWrites) {
   std::u16string controls;
   for (char16_t c = 1; c < 32; ++c) controls += c;
@@ -183,36 +175,23 @@ TEST(WineRegistryText, WrapsHexListsAtWinesColumn) {
   for (const char* bad : {"0g", "123", "1,,2", "1 2"}) EXPECT_FALSE(ParseHexList(bad)) << bad;
 }
 
+// Each line reads into the name, type and bytes the copy shows (as a hex
+// list), and is written back as it was.
 TEST(WineRegistryValue, ReadsAndWritesEveryValueFormAndRejectsMalformedLines) {
-  const struct {
-    std::string line;
-    StoredValue value;
-  } cases[] = {
-      {"@=\"default value\"", {"", platform::kRegSz, Text(u"default value")}},
-      {"\"emptystr\"=\"\"", {"emptystr", platform::kRegSz, Text(u"")}},
-      {"\"dw\"=dword:0000000a", {"dw", platform::kRegDword, std::string("\x0a\0\0\0", 4)}},
-      {"\"bin\"=hex:01,02,ff", {"bin", platform::kRegBinary, "\x01\x02\xff"}},
-      {"\"exp\"=str(2):\"%SystemRoot%\\\\x\"",
-       {"exp", platform::kRegExpandSz, Text(u"%SystemRoot%\\x")}},
-      {"\"multi\"=str(7):\"a\\0bc\\0\"",
-       {"multi", platform::kRegMultiSz, Text(std::u16string(u"a\0bc\0", 5))}},
-      {"\"none\"=hex(0):", {"none", platform::kRegNone, ""}},
-      {"\"empty1\"=hex(1):", {"empty1", platform::kRegSz, ""}},
-      {"\"dwshort\"=hex(4):01,02", {"dwshort", platform::kRegDword, "\x01\x02"}},
-      {"\"bigend\"=hex(5):00,00,00,0a",
-       {"bigend", platform::kRegDwordBigEndian, std::string("\0\0\0\x0a", 4)}},
-      {"@=hex(ffff0007):03,00,00,00", {"", 0xffff0007u, std::string("\x03\0\0\0", 4)}},
-      {"\"br[a]=x \\\"q\\\"\"=\"v[1]\"", {"br[a]=x \"q\"", platform::kRegSz, Text(u"v[1]")}},
-  };
-  for (const auto& c : cases) {
+  std::string read;
+  for (const char* line :
+       {"@=\"default value\"", "\"emptystr\"=\"\"", "\"dw\"=dword:0000000a", "\"bin\"=hex:01,02,ff",
+        "\"exp\"=str(2):\"%SystemRoot%\\\\x\"", "\"multi\"=str(7):\"a\\0bc\\0\"", "\"none\"=hex(0):",
+        "\"empty1\"=hex(1):", "\"dwshort\"=hex(4):01,02", "\"bigend\"=hex(5):00,00,00,0a",
+        "@=hex(ffff0007):03,00,00,00", "\"br[a]=x \\\"q\\\"\"=\"v[1]\""}) {
     std::string why;
-    const std::optional<StoredValue> parsed = ParseValueLine(c.line, why);
-    ASSERT_TRUE(parsed) << c.line << ": " << why;
-    EXPECT_EQ(parsed->name, c.value.name) << c.line;
-    EXPECT_EQ(parsed->type, c.value.type) << c.line;
-    EXPECT_EQ(parsed->data, c.value.data) << c.line;
-    EXPECT_EQ(RenderValueLine(c.value), c.line);
+    const std::optional<StoredValue> parsed = ParseValueLine(line, why);
+    ASSERT_TRUE(parsed) << line << ": " << why;
+    EXPECT_EQ(RenderValueLine(*parsed), line);
+    read += std::string(line) + "\n  " + parsed->name + " | " + std::to_string(parsed->type) + " | " +
+            RenderValueLine({"", platform::kRegBinary, parsed->data}) + "\n";
   }
+  testing::ExpectMatchesFile(read, "winereg/value-lines.txt");
   // Text that does not end in a NUL unit cannot be written as a string.
   EXPECT_EQ(RenderValueLine({"odd", platform::kRegExpandSz, std::string("\x01\x02\0\0\0", 5)}),
             "\"odd\"=hex(2):01,02,00,00,00");
@@ -229,7 +208,6 @@ using platform::kHkeyCurrentUser;
 using platform::kHkeyLocalMachine;
 using platform::regerr::kAccessDenied;
 using platform::regerr::kFileNotFound;
-using testing::FsOp;
 
 constexpr const char* kSystem = "C:\\Prefix\\system.reg";
 constexpr const char* kUser = "C:\\Prefix\\user.reg";
@@ -348,7 +326,7 @@ TEST_F(WinePrefixRegistry, ReplacesFilesWholeOrNotAtAll) {
   EXPECT_NE(File(kSystem).find("\"Name\"=\"caf\\xe9\"\n\"Version\"=dword:00000008\n"), std::string::npos);
 
   const std::string before = File(kSystem);
-  files_.FailNext(FsOp::kRename, "", rt::errnum::kPermissionDenied);
+  files_.FailNext(testing::FsOp::kRename, "", rt::errnum::kPermissionDenied);
   const rt::Status failed = reg_.DeleteValue(kHkeyLocalMachine, "Software\\Wine", "Name");
   ASSERT_EQ(Code(failed), platform::regerr::kCantWrite);
   EXPECT_NE(failed.error().description.find(kSystem), std::string::npos);

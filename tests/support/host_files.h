@@ -1,13 +1,16 @@
 #pragma once
-// The real PE files Debian's Wine packages install, found at test time (tests
-// skip when they are absent), the bytes of a host file or a committed fixture,
-// and little-endian fields of a byte buffer for tests that damage one.
+// Files of the host that tests read: the committed fixtures, the real PE
+// files Debian's Wine packages install and the VB6 corpus (tests skip when
+// those are absent), and what a shell command prints; and little-endian
+// fields of a byte buffer for tests that damage one.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -19,11 +22,30 @@ std::vector<std::filesystem::path> WineFiles(std::string_view arch, std::string_
 // One such file by name, when installed.
 std::optional<std::filesystem::path> WineFile(std::string_view arch, std::string_view name);
 
-std::vector<uint8_t> ReadHostFile(const std::filesystem::path& path);
+// The real VB6 projects and components of ../shared/corpus/vb6, which tests
+// read in place or copy out, never change.
+inline std::filesystem::path CorpusFolder() { return std::filesystem::path(SENTRUNE_SHARED_DIR) / "corpus/vb6"; }
+// Its files with one of these extensions (lower case: ".vbp"), whatever their
+// case, sorted; empty without the corpus.
+std::vector<std::filesystem::path> CorpusFiles(std::initializer_list<std::string_view> extensions);
 
+// The contents of a host file; empty when it cannot be read.
+std::vector<uint8_t> ReadHostBytes(const std::filesystem::path& path);
+std::string ReadHostFile(const std::filesystem::path& path);
+// What the shell prints for the command, without its final line ends.
+std::string CommandOutput(const std::string& command);
+
+// A relative host path as the rest of a Windows path: "a/b.vbp" is "a\\b.vbp".
+inline std::string Backslashed(const std::filesystem::path& relative) {
+  std::string text = relative.string();
+  std::replace(text.begin(), text.end(), '/', '\\');
+  return text;
+}
+
+inline std::filesystem::path FixtureFolder() { return std::filesystem::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures"; }
 // A file of tests/fixtures ("pe/lookup.dll"); a missing one is a failure.
 inline std::vector<uint8_t> FixtureFile(std::string_view name) {
-  auto bytes = ReadHostFile(std::filesystem::path(SENTRUNE_SOURCE_DIR) / "tests/fixtures" / name);
+  auto bytes = ReadHostBytes(FixtureFolder() / name);
   EXPECT_FALSE(bytes.empty()) << "fixture " << name << " is missing";
   return bytes;
 }
