@@ -162,7 +162,8 @@ TEST(MsftDamage, CyclicDescriptorsAndAMisplacedHelpDllWordAreTolerated) {
   Set32(cyclic, Segment(good, 9) + 16 + 4, 16);  // the pointer to stdole's Font points to itself
   auto library = ReadMsft(cyclic);
   ASSERT_TRUE(library.ok()) << library.error().description;
-  const auto& functions = ProjectLibrary(*library).types.at(kWidget).functions;
+  const platform::TlbLibrary projected = ProjectLibrary(*library);
+  const auto& functions = projected.types.at(kWidget).functions;
   const auto font = std::find_if(functions.begin(), functions.end(), [](const auto& f) { return f.name == "Font"; });
   ASSERT_NE(font, functions.end());
   EXPECT_EQ(font->type, (platform::TlbType{vt::kUserDefined | vt::kByRefFlag, ""}));

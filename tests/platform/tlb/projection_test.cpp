@@ -254,7 +254,8 @@ TEST(ProjectionRules, EnumValuesAreCutTo32Bits) {
     colors.vars.push_back(RawVar{0, "v", "", 0, 2, -1, platform::TlbValue{vt::kI8, value, 0, ""}});
   }
   std::vector<int64_t> values;
-  for (const TlbMember& variable : ProjectLibrary(lib.raw).types[0].variables) values.push_back(variable.value->integer);
+  const platform::TlbLibrary projected = ProjectLibrary(lib.raw);
+  for (const TlbMember& variable : projected.types[0].variables) values.push_back(variable.value->integer);
   EXPECT_EQ(values, (std::vector<int64_t>{-1, 5, -7}));
 }
 
