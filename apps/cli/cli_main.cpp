@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "host_platform.h"
 #include "menu_help.h"
 #include "session.h"
 
@@ -12,12 +13,9 @@ namespace sentrune::cli {
 namespace {
 
 constexpr const char* kFooter = R"(
-Paths may be given as host paths (~/src/Widgets.vbp) or as Windows paths
-(C:\Src\Widgets.vbp); drive letters map to host folders as Wine maps them: Z: is
-/, a Wine prefix adds its drives, --drive adds or overrides one.
-
-The add-in's folder (--home) holds its INI file of options, the trace file and
-the Logs folder; by default it is $XDG_CONFIG_HOME/sentrune (~/.config/sentrune).
+Type libraries are read by Sentrune's own reader (--reader portable, the
+default, the same on every system) or by the system's loader (--reader system,
+on Windows only).
 
 Exit status: 0 done, 1 something was found or a step ended the run, 2 bad input.
 
@@ -40,6 +38,9 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& global) {
       });
   app.add_option("--wineprefix", global.wineprefix, "Wine prefix whose drives to use")
       ->type_name("DIR");
+  app.add_option("--reader", global.reader, "Who reads type libraries (default portable)")
+      ->type_name("portable|system")
+      ->check(CLI::IsMember({"portable", "system"}));
 }
 
 }  // namespace
@@ -50,7 +51,7 @@ int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in,
         std::ostream& err) {
   Session session(host, in, out, err);
   CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
-  app.footer(std::string(kFooter) + MenuHelpText());
+  app.footer("\n" + host.Help().paths + kFooter + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
   AddGlobalOptions(app, session.global);

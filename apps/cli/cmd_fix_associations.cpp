@@ -22,10 +22,9 @@ void FixAssociations(Session& session) {
 }  // namespace
 
 void SetUpFixAssociations(CLI::App& command, Session& session) {
-  command.footer(
-      "Works on the registry of the Wine prefix (--wineprefix, else the default prefix), which\n"
-      "must not be in use by a running wineserver. Each class whose open command differs from\n"
-      "\"<program for .vbp>\" \"%1\" is offered for rewriting.");
+  command.footer("Works on " + session.host().Help().registry +
+                 " Each class whose open command differs from\n"
+                 "\"<program for .vbp>\" \"%1\" is offered for rewriting.");
   command.callback([&session] { FixAssociations(session); });
 }
 

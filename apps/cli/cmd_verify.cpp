@@ -93,9 +93,8 @@ void AlignControl(Session& session, const std::string& project) {
 void SetUpVerify(CLI::App& command, Session& session) {
   VerifyArgs& args = RunWith(command, session, Verify);
   command.add_flag("--silent", args.silent, "Show no message box; print each failure under its line");
-  command.footer(
-      "Registrations are read from the Wine prefix (--wineprefix, else $WINEPREFIX or ~/.wine).\n"
-      "Exit status 1 when any component failed.");
+  command.footer("Registrations are read from " + session.host().Help().registry +
+                 "\nExit status 1 when any component failed.");
 }
 
 void SetUpVerifyClass(CLI::App& command, Session& session) {

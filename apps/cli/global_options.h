@@ -11,6 +11,7 @@ struct GlobalOptions {
   bool no = false;
   std::vector<std::string> drives;  // "X=DIR"
   std::string wineprefix;
+  std::string reader = "portable";  // the type library source: portable or system
 };
 
 }  // namespace sentrune::cli

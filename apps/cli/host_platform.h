@@ -13,7 +13,10 @@
 #include "global_options.h"
 #include "platform/env.h"
 #include "platform/file_watch.h"
+#include "platform/profile.h"
 #include "platform/registry.h"
+#include "platform/typelib_source.h"
+#include "platform/version_resource.h"
 #include "runtime/result.h"
 
 namespace sentrune::cli {
@@ -31,8 +34,13 @@ struct AssociationRegistry {
 class HostEnv {
  public:
   virtual ~HostEnv() = default;
-  // The environment the add-in runs in; it lives as long as this object.
+  // The environment the add-in runs in, and the readers of profile files,
+  // version resources and type libraries the global options chose; they
+  // live as long as this object.
   virtual platform::Env& Env() = 0;
+  virtual platform::ProfileFiles& Profiles() = 0;
+  virtual platform::VersionResources& Versions() = 0;
+  virtual platform::TypeLibSource& TypeLibs() = 0;
   // The Windows path of a host path, as `winepath -w` gives it: nothing when
   // no drive covers it.
   virtual std::optional<std::string> WindowsPath(const std::string& hostPath) = 0;
@@ -57,10 +65,17 @@ class StopRequest {
   virtual bool Requested() const = 0;
 };
 
+// What the help says about the parts that differ from system to system.
+struct HostHelp {
+  std::string paths;     // how paths are given and where the add-in's folder is
+  std::string registry;  // which registry the registry commands read and write
+};
+
 // The system itself: main() makes one and lends it to every session.
 class HostPlatform {
  public:
   virtual ~HostPlatform() = default;
+  virtual HostHelp Help() = 0;
   // The add-in's folder when --home does not name one, as a host path.
   virtual std::string DefaultHomeFolder() = 0;
   // Whether someone at a terminal can answer questions on standard input.
@@ -68,7 +83,8 @@ class HostPlatform {
   // The outside world for the global options, with `homeFolder` (an
   // existing host folder) as the add-in's folder, which gets the template
   // files it lacks. Fails with a message naming the option at fault when a
-  // --drive or --wineprefix folder does not exist.
+  // --drive or --wineprefix folder does not exist, or when the system
+  // cannot honour an option at all.
   virtual rt::Result<std::unique_ptr<HostEnv>> Open(const GlobalOptions& global,
                                                     const std::string& homeFolder) = 0;
   // A watch on host folders; fails (76) when the system offers none.

@@ -16,7 +16,7 @@ std::string CommandsFor(MenuCommand item) {
   for (const Command& command : Commands()) {
     if (command.menuItem == item) names += (names.empty() ? "sentrune " : ", sentrune ") + std::string(command.name);
   }
-  return names.empty() ? "(none on Linux)" : names;
+  return names.empty() ? "(in the IDE only)" : names;
 }
 
 }  // namespace

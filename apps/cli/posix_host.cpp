@@ -8,11 +8,14 @@
 #include <ostream>
 #include <system_error>
 
+#include "platform/ini/ini_file.h"
+#include "platform/pe/version_resources_portable.h"
 #include "platform/posix/drive_map.h"
 #include "platform/posix/file_watch_posix.h"
 #include "platform/posix/posix_env.h"
 #include "platform/posix/wine_server.h"
 #include "platform/posix/wine_server_registry.h"
+#include "platform/tlb/typelib_source_portable.h"
 #include "posix_associations.h"
 #include "seed_templates.h"
 
@@ -26,6 +29,9 @@ class PosixHostEnv : public HostEnv {
   explicit PosixHostEnv(posix::PosixEnvOptions options) : env_(std::move(options)) {}
 
   platform::Env& Env() override { return env_; }
+  platform::ProfileFiles& Profiles() override { return profiles_; }
+  platform::VersionResources& Versions() override { return versions_; }
+  platform::TypeLibSource& TypeLibs() override { return typelibs_; }
   std::optional<std::string> WindowsPath(const std::string& hostPath) override {
     return env_.Files().Drives().HostToWindows(hostPath);
   }
@@ -44,6 +50,9 @@ class PosixHostEnv : public HostEnv {
 
  private:
   posix::PosixEnv env_;
+  portable::PortableProfileFiles profiles_{env_.Files()};
+  portable::PortableVersionResources versions_{env_.Files()};
+  portable::PortableTypeLibSource typelibs_{env_.Files()};
 };
 
 std::unique_ptr<platform::Registry> PosixHostEnv::OpenVerifyRegistry(std::ostream* note) {
@@ -112,6 +121,17 @@ class StopSignals : public StopRequest {
 
 }  // namespace
 
+HostHelp PosixHost::Help() {
+  return {
+      "Paths may be given as host paths (~/src/Widgets.vbp) or as Windows paths\n"
+      "(C:\\Src\\Widgets.vbp); drive letters map to host folders as Wine maps them: Z: is\n"
+      "/, a Wine prefix adds its drives, --drive adds or overrides one.\n\n"
+      "The add-in's folder (--home) holds its INI file of options, the trace file and\n"
+      "the Logs folder; by default it is $XDG_CONFIG_HOME/sentrune (~/.config/sentrune).\n",
+      "the registry of the Wine prefix (--wineprefix, else $WINEPREFIX or ~/.wine),\n"
+      "which must not be in use by a running wineserver when it is changed."};
+}
+
 std::string PosixHost::DefaultHomeFolder() {
   if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && *config)
     return std::string(config) + "/sentrune";
@@ -121,6 +141,11 @@ std::string PosixHost::DefaultHomeFolder() {
 bool PosixHost::InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 
 rt::Result<std::unique_ptr<HostEnv>> PosixHost::Open(const GlobalOptions& global, const std::string& homeFolder) {
+  if (global.reader == "system") {
+    return rt::MakeError(rt::errnum::kInvalidProcedureCall,
+                         "--reader system needs Windows' own type library loader; "
+                         "off Windows only --reader portable is offered");
+  }
   posix::PosixEnvOptions options;
   options.homeHostDir = homeFolder;
   if (!global.wineprefix.empty() && !fs::is_directory(global.wineprefix)) {

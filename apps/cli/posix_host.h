@@ -8,12 +8,14 @@ namespace sentrune::cli {
 
 class PosixHost : public HostPlatform {
  public:
+  HostHelp Help() override;
   // $XDG_CONFIG_HOME/sentrune, else ~/.config/sentrune.
   std::string DefaultHomeFolder() override;
   // Whether standard input is a terminal.
   bool InputIsTerminal() override;
   // The drive-mapped environment over the Wine prefix (--wineprefix, else
-  // the default prefix) and the --drive folders. The add-in's folder is
+  // the default prefix) and the --drive folders, with the portable readers
+  // (--reader system is refused). The add-in's folder is
   // seeded from the templates in the folder the program was built with.
   // Registries are the prefix's files.
   rt::Result<std::unique_ptr<HostEnv>> Open(const GlobalOptions& global, const std::string& homeFolder) override;

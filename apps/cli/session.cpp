@@ -10,9 +10,6 @@
 #include "host_platform.h"
 #include "platform/console/console_ui.h"
 #include "platform/headless/headless_ide.h"
-#include "platform/ini/ini_file.h"
-#include "platform/pe/version_resources_portable.h"
-#include "platform/tlb/typelib_source_portable.h"
 #include "settings/options_handler.h"
 #include "verify/frm_install_details.h"
 
@@ -39,9 +36,6 @@ console::AnswerMode AnswerModeFor(const GlobalOptions& global, HostPlatform& hos
 struct Session::Parts {
   std::unique_ptr<HostEnv> host;
   std::unique_ptr<console::ConsoleUi> ui;
-  std::unique_ptr<portable::PortableProfileFiles> profiles;
-  std::unique_ptr<portable::PortableVersionResources> versions;
-  std::unique_ptr<portable::PortableTypeLibSource> typelibs;
   std::unique_ptr<AddinState> state;
   std::unique_ptr<headless::HeadlessIde> ide;
   std::unique_ptr<Connect> connect;
@@ -75,12 +69,10 @@ rt::Status Session::Open() {
   parts->host = std::move(*opened);
   platform::Env& env = parts->host->Env();
   parts->ui = std::make_unique<console::ConsoleUi>(AnswerModeFor(global, host_), in_, out, err);
-  parts->profiles = std::make_unique<portable::PortableProfileFiles>(env.Files());
-  parts->versions = std::make_unique<portable::PortableVersionResources>(env.Files());
-  parts->typelibs = std::make_unique<portable::PortableTypeLibSource>(env.Files());
+  HostEnv& system = *parts->host;
   parts->state = std::make_unique<AddinState>(
-      Platform{env, *parts->ui, *parts->profiles, *parts->versions, *parts->typelibs});
-  parts->ide = std::make_unique<headless::HeadlessIde>(env.Files(), parts->typelibs.get());
+      Platform{env, *parts->ui, system.Profiles(), system.Versions(), system.TypeLibs()});
+  parts->ide = std::make_unique<headless::HeadlessIde>(env.Files(), &system.TypeLibs());
   parts->connect = std::make_unique<Connect>(*parts->state);
   parts->connect->ShowDiagnostics = [host = parts->host.get()](Connect& connect) {
     const std::unique_ptr<platform::Registry> registry = host->OpenVerifyRegistry(nullptr);

@@ -4,22 +4,72 @@
 // overread stops the test (run under the sanitizers for full effect); a read
 // that does not end within a minute aborts, naming its input.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <unistd.h>
 
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <random>
 #include <span>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/host_files.h"
 
 namespace sentrune::testing {
+
+// Aborts the test program, naming the input, when one read outlasts a minute.
+// A thread rather than a signal, so that it works alike on every host.
+class Watchdog {
+ public:
+  Watchdog() : thread_([this] { Watch(); }) {}
+  ~Watchdog() {
+    {
+      std::lock_guard lock(mutex_);
+      stop_ = true;
+    }
+    wake_.notify_one();
+    thread_.join();
+  }
+  Watchdog(const Watchdog&) = delete;
+  Watchdog& operator=(const Watchdog&) = delete;
+
+  void Arm(std::string what) {
+    std::lock_guard lock(mutex_);
+    what_ = std::move(what);
+    deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    armed_ = true;
+    wake_.notify_one();
+  }
+  void Disarm() {
+    std::lock_guard lock(mutex_);
+    armed_ = false;
+  }
+
+ private:
+  void Watch() {
+    std::unique_lock lock(mutex_);
+    while (!stop_) {
+      if (armed_ && std::chrono::steady_clock::now() >= deadline_) {
+        std::fprintf(stderr, "the reader hangs on %s\n", what_.c_str());
+        std::abort();
+      }
+      if (armed_) wake_.wait_until(lock, deadline_);
+      else wake_.wait(lock);
+    }
+  }
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  std::string what_;
+  std::chrono::steady_clock::time_point deadline_;
+  bool armed_ = false, stop_ = false;
+  std::thread thread_;  // last, so that it starts after the rest exists
+};
 
 // Reads the bytes and checks what came out: a summary of what was decoded,
 // or nothing when the reader refused the bytes (with its own error).
@@ -40,17 +90,12 @@ struct DamageSeen {
 // whole does (nothing invented from a cut file).
 inline DamageSeen ExpectRobust(const Reader& read, const std::vector<std::vector<uint8_t>>& good,
                                const Damage& damage) {
-  static char reading[128];
-  signal(SIGALRM, [](int) {
-    (void)!write(2, reading, strlen(reading));
-    abort();
-  });
+  Watchdog watchdog;
   auto readAs = [&](const std::string& input, std::span<const uint8_t> bytes) {
     SCOPED_TRACE(input);
-    snprintf(reading, sizeof reading, "the reader hangs on %s\n", input.c_str());
-    alarm(60);
+    watchdog.Arm(input);
     std::optional<std::string> summary = read(bytes);
-    alarm(0);
+    watchdog.Disarm();
     return summary;
   };
   DamageSeen seen;

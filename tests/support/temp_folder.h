@@ -1,12 +1,9 @@
 #pragma once
-// Host resources tests borrow and give back: a fresh temporary
-// folder and environment variables set for the length of one test.
-#include <stdlib.h>
-#include <time.h>
-
+// A fresh temporary folder of the host, removed with everything in it when
+// the test ends.
 #include <filesystem>
 #include <fstream>
-#include <optional>
+#include <random>
 #include <string>
 
 namespace sentrune::testing {
@@ -14,8 +11,13 @@ namespace sentrune::testing {
 class TempFolder {
  public:
   TempFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sentrune-platform-XXXXXX").string();
-    if (mkdtemp(pattern.data())) path_ = pattern;
+    std::random_device random;
+    const auto base = std::filesystem::temp_directory_path();
+    for (int attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
+      const auto candidate = base / ("sentrune-platform-" + std::to_string(random()));
+      std::error_code ec;
+      if (std::filesystem::create_directory(candidate, ec)) path_ = candidate.string();
+    }
   }
   ~TempFolder() {
     std::error_code ec;
@@ -35,27 +37,6 @@ class TempFolder {
 
  private:
   std::string path_;
-};
-
-// Sets (or, with nullopt, removes) an environment variable until destroyed.
-class ScopedEnv {
- public:
-  ScopedEnv(std::string name, const std::optional<std::string>& value) : name_(std::move(name)) {
-    if (const char* old = getenv(name_.c_str())) old_ = old;
-    Apply(value);
-  }
-  ~ScopedEnv() { Apply(old_); }
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
-
- private:
-  void Apply(const std::optional<std::string>& value) {
-    if (value) setenv(name_.c_str(), value->c_str(), 1);
-    else unsetenv(name_.c_str());
-    tzset();
-  }
-  std::string name_;
-  std::optional<std::string> old_;
 };
 
 }  // namespace sentrune::testing

@@ -90,7 +90,7 @@ inline platform::TlbLibrary WidgetsLibrary() {
   return lib;
 }
 
-inline std::string FixturePath(const std::string& name) { return FixtureFolder() / "typelib" / name; }
+inline std::string FixturePath(const std::string& name) { return (FixtureFolder() / "typelib" / name).string(); }
 
 struct FixtureWorld : TestAddin {
   // Copies the fixture in (once) and returns its Windows path.

@@ -27,6 +27,7 @@
 #include "platform/posix/wine_server_registry.h"
 #include "platform/winereg/wine_registry_file.h"
 #include "support/host_files.h"
+#include "support/scoped_env.h"
 #include "support/temp_folder.h"
 
 namespace sentrune::posix {

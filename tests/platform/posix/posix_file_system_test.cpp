@@ -14,6 +14,7 @@
 #include "platform/posix/file_watch_posix.h"
 #include "platform/posix/short_names.h"
 #include "support/fake_file_system.h"
+#include "support/scoped_env.h"
 #include "support/temp_folder.h"
 
 namespace sentrune::posix {
