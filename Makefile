@@ -1,7 +1,7 @@
 # The two commands of the README: `make run` and `make test`.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps configure build run test test-asan fuzz bench clean
+.PHONY: all deps configure build run test test-linux test-windows windows test-asan fuzz bench clean
 
 all: build
 
@@ -19,8 +19,31 @@ build: configure
 run: build
 	@build/bin/sentrune demo
 
-test: build
+# The Linux tests, then the x86_64 Windows tests under wine64 (in a fresh Wine
+# prefix of the build tree's own), then the checks of every Windows binary;
+# the i686 tree is built and checked but cannot be run here.
+test: test-linux test-windows
+
+test-linux: build
 	@ctest --test-dir build --output-on-failure -j $(JOBS)
+
+test-windows: windows
+	@rm -rf build-win64/wine-prefix build-win64/wine-prefix.lock
+	@ctest --test-dir build-win64 --output-on-failure -j $(JOBS)
+	@scripts/check-pe-binaries x86_64 $(wildcard build-win64/bin/*.exe build-win64/bin/*.dll)
+	@scripts/check-pe-binaries i686 $(wildcard build-win32/bin/*.exe build-win32/bin/*.dll)
+
+# Both Windows trees: build-win32 (i686, what the VB6 IDE loads) and
+# build-win64 (x86_64, what the tests run under wine64).
+windows: build-win32/build.ninja build-win64/build.ninja
+	@cmake --build build-win32 -j $(JOBS)
+	@cmake --build build-win64 -j $(JOBS)
+
+third_party/sqlite/sqlite3.c: | deps
+	@scripts/fetch-sqlite.sh
+
+build-win32/build.ninja build-win64/build.ninja: | deps third_party/sqlite/sqlite3.c
+	@cmake --preset $(subst build-,,$(@D)) >/dev/null
 
 test-asan: deps
 	@cmake --preset asan >/dev/null
@@ -35,4 +58,4 @@ bench: build
 	@for b in build/bin/bench_*; do $$b; done
 
 clean:
-	rm -rf build build-asan build-fuzz
+	rm -rf build build-asan build-fuzz build-win32 build-win64
