@@ -28,7 +28,7 @@ test-linux: build
 	@ctest --test-dir build --output-on-failure -j $(JOBS)
 
 test-windows: windows
-	@rm -rf build-win64/wine-prefix build-win64/wine-prefix.lock
+	@rm -rf build-win64/wine-prefix*
 	@ctest --test-dir build-win64 --output-on-failure -j $(JOBS)
 	@scripts/check-pe-binaries x86_64 $(wildcard build-win64/bin/*.exe build-win64/bin/*.dll)
 	@scripts/check-pe-binaries i686 $(wildcard build-win32/bin/*.exe build-win32/bin/*.dll)

@@ -11,6 +11,7 @@
 #include "platform/tlb/typelib_source_portable.h"
 #include "platform/win32/typelib_source_system.h"
 #include "platform/win32/win32_env.h"
+#include "platform/win32/win32_file_watch.h"
 #include "platform/win32/win32_profile.h"
 #include "platform/win32/win32_registry.h"
 #include "platform/win32/win32_text.h"
@@ -47,7 +48,7 @@ std::string ProgramFolder() {
 
 class Win32HostEnv : public HostEnv {
  public:
-  Win32HostEnv(const std::string& homeFolder, bool systemReader) : env_(homeFolder) {
+  Win32HostEnv(const std::string& homeFolder, bool systemReader) : env_({homeFolder, "Sentrune"}) {
     if (systemReader) typelibs_ = std::make_unique<win32::SystemTypeLibSource>();
     else typelibs_ = std::make_unique<portable::PortableTypeLibSource>(env_.Files());
   }
@@ -83,11 +84,18 @@ class Win32HostEnv : public HostEnv {
   std::unique_ptr<platform::TypeLibSource> typelibs_;
 };
 
+// Set by Ctrl-C while a StopRequest lives; a file watch's wait ends on it.
+HANDLE StopEvent() {
+  static const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  return event;
+}
+
 std::atomic<bool> gStop{false};
 
 BOOL WINAPI RequestStop(DWORD event) {
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
   gStop = true;
+  SetEvent(StopEvent());
   return TRUE;
 }
 
@@ -95,6 +103,7 @@ class ConsoleStop : public StopRequest {
  public:
   ConsoleStop() {
     gStop = false;
+    ResetEvent(StopEvent());
     SetConsoleCtrlHandler(RequestStop, TRUE);
   }
   ~ConsoleStop() override { SetConsoleCtrlHandler(RequestStop, FALSE); }
@@ -153,7 +162,7 @@ rt::Result<std::unique_ptr<HostEnv>> Win32Host::Open(const GlobalOptions& global
 }
 
 rt::Result<std::unique_ptr<platform::FileWatch>> Win32Host::WatchFiles() {
-  return rt::MakeError(rt::errnum::kPathNotFound, "following file changes is not offered on Windows yet");
+  return std::unique_ptr<platform::FileWatch>(std::make_unique<win32::Win32FileWatch>(StopEvent()));
 }
 
 std::unique_ptr<StopRequest> Win32Host::CatchStop() { return std::make_unique<ConsoleStop>(); }

@@ -17,6 +17,7 @@ class Win32Host : public HostPlatform {
   // from the "share" folder beside the program. --reader picks the portable
   // reader or the system's loader; --drive and --wineprefix are refused.
   rt::Result<std::unique_ptr<HostEnv>> Open(const GlobalOptions& global, const std::string& homeFolder) override;
+  // ReadDirectoryChangesW; a stop request ends its wait.
   rt::Result<std::unique_ptr<platform::FileWatch>> WatchFiles() override;
   // Ctrl-C, Ctrl-Break and the console being closed.
   std::unique_ptr<StopRequest> CatchStop() override;

@@ -14,6 +14,7 @@ int32_t ToNumber(uint32_t error) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_NETPATH:
     case ERROR_BAD_NET_NAME:
+    case ERROR_BAD_DEV_TYPE:
     case ERROR_DIRECTORY: return rt::errnum::kPathNotFound;
     case ERROR_ACCESS_DENIED:
     case ERROR_SHARING_VIOLATION:
@@ -45,7 +46,10 @@ std::string SystemMessage(uint32_t error) {
 }
 
 rt::VbError Win32ToVbError(uint32_t error, const std::string& path) {
-  const int32_t number = ToNumber(error);
+  return Win32ToVbError(error, path, ToNumber(error));
+}
+
+rt::VbError Win32ToVbError(uint32_t error, const std::string& path, int32_t number) {
   return rt::MakeError(number, rt::DescribeError(number) + ": " + path + " (Windows error " +
                                    std::to_string(error) + ": " + SystemMessage(error) + ")");
 }

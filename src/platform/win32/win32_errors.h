@@ -15,7 +15,8 @@ namespace sentrune::win32 {
 std::string SystemMessage(uint32_t error);
 
 // ERROR_FILE_NOT_FOUND 53; ERROR_PATH_NOT_FOUND, ERROR_BAD_NETPATH,
-// ERROR_BAD_NET_NAME, ERROR_DIRECTORY 76; ERROR_ACCESS_DENIED,
+// ERROR_BAD_NET_NAME, ERROR_BAD_DEV_TYPE (Wine's answer for a missing
+// server), ERROR_DIRECTORY 76; ERROR_ACCESS_DENIED,
 // ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_WRITE_PROTECT 70;
 // ERROR_FILE_EXISTS, ERROR_ALREADY_EXISTS 58; ERROR_DISK_FULL,
 // ERROR_HANDLE_DISK_FULL 61; ERROR_NOT_READY, ERROR_INVALID_DRIVE 71;
@@ -24,5 +25,9 @@ std::string SystemMessage(uint32_t error);
 rt::VbError Win32ToVbError(uint32_t error, const std::string& path);
 // The same for GetLastError().
 rt::VbError LastError(const std::string& path);
+// That message under the number the run time gives the operation as a
+// whole, whatever the system's reason (Shell: 53 for any program it cannot
+// start).
+rt::VbError Win32ToVbError(uint32_t error, const std::string& path, int32_t number);
 
 }  // namespace sentrune::win32

@@ -23,9 +23,11 @@
 // made, as the real function refuses it. The replacement takes the folder's
 // default security, not the file's own.
 //
-// How the rest of the file looks after a write is the system's affair: Wine
-// rewrites every line with CR LF line ends, where the in-house engine
-// (ini_file.h) keeps other lines byte for byte.
+// The rest is the system's affair, and Wine's differs from the in-house
+// engine (ini_file.h) in two ways: a write rewrites every line with CR LF
+// line ends and keeps the existing spelling of the key, where the engine
+// keeps other lines byte for byte; and names match without regard to case in
+// ASCII only ("CL\xC9" does not find "Cl\xE9").
 #include <cstdint>
 #include <string>
 

@@ -2,10 +2,11 @@
 // in Wine's files (expected texts are lines Wine 8 itself wrote for values
 // imported into a fresh prefix); the files as documents, what is read, what a
 // change rewrites and what it must leave alone; and the store over an
-// in-memory file system: keys and values as Windows keeps them (which every
-// test of the core relies on, since support/test_registry.h is this store),
-// the merged HKEY_CLASSES_ROOT, the refusal while the prefix's server runs,
-// and how changes reach the files.
+// in-memory file system: keys and values as Windows keeps them (the contract
+// of support/registry_contract.h, which the system's registry keeps too and
+// every test of the core relies on, since support/test_registry.h is this
+// store), the merged HKEY_CLASSES_ROOT, the refusal while the prefix's server
+// runs, and how changes reach the files.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -19,6 +20,7 @@
 #include "support/expected_file.h"
 #include "support/fake_file_system.h"
 #include "support/host_files.h"
+#include "support/registry_contract.h"
 #include "support/test_registry.h"
 
 namespace sentrune::portable::winereg {
@@ -206,7 +208,6 @@ TEST(WineRegistryValue, ReadsAndWritesEveryValueFormAndRejectsMalformedLines) {
 using platform::kHkeyClassesRoot;
 using platform::kHkeyCurrentUser;
 using platform::kHkeyLocalMachine;
-using platform::regerr::kAccessDenied;
 using platform::regerr::kFileNotFound;
 
 constexpr const char* kSystem = "C:\\Prefix\\system.reg";
@@ -214,38 +215,19 @@ constexpr const char* kUser = "C:\\Prefix\\user.reg";
 constexpr const char* kCommand = "VisualBasic.Project\\shell\\open\\command";
 const std::string kClasses = "Software\\Classes\\";
 
-// What the core's tests take for granted of every registry.
-TEST(RegistryAsOnWindows, KeysAndValues) {
-  testing::TestRegistry reg;
-  const platform::RegValue text{platform::kRegSz, std::string("x\0", 2)};
-  const platform::RegValue number{platform::kRegDword, std::string("\x0a\0\0\0", 4)};
-  for (const char* key : {"Software\\V\\1.0\\0\\win32", "Software\\V\\2.0", "SOFTWARE\\v\\2.0", "Software\\V\\3.0"})
-    ASSERT_TRUE(reg.CreateKey(kHkeyCurrentUser, key).ok());
-  EXPECT_EQ(Code(reg.OpenKey(kHkeyLocalMachine, "Software\\V", false)), kFileNotFound);
-  EXPECT_EQ(Code(reg.SetValue(kHkeyCurrentUser, "Software\\W", "x", text)), kFileNotFound);
-  ASSERT_TRUE(reg.SetValue(kHkeyCurrentUser, "Software\\V", "Count", text).ok());
-  ASSERT_TRUE(reg.SetValue(kHkeyCurrentUser, "Software\\V", "COUNT", number).ok());
-  const rt::Result<platform::RegValue> count = reg.QueryValue(kHkeyCurrentUser, "software\\v", "count");
-  ASSERT_TRUE(count.ok());
-  EXPECT_EQ(count->type, platform::kRegDword);
-  EXPECT_EQ(count->data, number.data);
-  EXPECT_EQ(Code(reg.QueryValue(kHkeyCurrentUser, "Software\\V", "")), kFileNotFound);
-  ASSERT_TRUE(reg.DeleteValue(kHkeyCurrentUser, "Software\\V", "count").ok());
-  EXPECT_EQ(Code(reg.DeleteValue(kHkeyCurrentUser, "Software\\V", "count")), kFileNotFound);
-  EXPECT_EQ(Code(reg.DeleteValue(kHkeyCurrentUser, "Software\\W", "count")), kFileNotFound);
-  EXPECT_EQ(Code(reg.Connect("\\\\NoSuchMachine")), platform::regerr::kBadNetPath);
+// The contract every registry keeps, over an empty prefix.
+class EmptyPrefix : public testing::RegistrySandbox {
+ public:
+  platform::Registry& registry() override { return registry_; }
+  std::string base() const override { return "Software"; }
 
-  EXPECT_EQ(*reg.EnumKeys(kHkeyCurrentUser, "Software\\V"), (Strings{"1.0", "2.0", "3.0"}));
-  EXPECT_TRUE(reg.EnumKeys(kHkeyCurrentUser, "Software\\V\\2.0")->empty());
-  EXPECT_EQ(Code(reg.EnumKeys(kHkeyCurrentUser, "Software\\W")), kFileNotFound);
-  EXPECT_EQ(Code(reg.DeleteKey(kHkeyCurrentUser, "Software\\V\\1.0")), kAccessDenied);  // has sub-keys
-  EXPECT_EQ(Code(reg.DeleteKey(kHkeyCurrentUser, "")), kAccessDenied);
-  EXPECT_EQ(Code(reg.DeleteKey(kHkeyCurrentUser, "Software\\V\\9.0")), kFileNotFound);
-  ASSERT_TRUE(reg.DeleteKey(kHkeyCurrentUser, "Software\\V\\2.0").ok());
-  ASSERT_TRUE(reg.DeleteKey(kHkeyCurrentUser, "Software\\V\\1.0\\0\\win32").ok());
-  EXPECT_TRUE(reg.OpenKey(kHkeyCurrentUser, "Software\\V\\1.0\\0", false).ok());
-  EXPECT_EQ(*reg.EnumKeys(kHkeyCurrentUser, "Software\\V"), (Strings{"1.0", "3.0"}));
-}
+ private:
+  testing::TestRegistry registry_;
+};
+
+using testing::RegistryContract;
+const testing::RegistryStore kEmptyPrefix{"Files", [] { return std::make_unique<EmptyPrefix>(); }};
+INSTANTIATE_TEST_SUITE_P(WinePrefix, RegistryContract, ::testing::Values(kEmptyPrefix), testing::RegistryStoreName);
 
 std::string ValueText(const rt::Result<platform::RegValue>& value) {
   return value ? value->data.substr(0, value->data.find('\0')) : "<error " + std::to_string(Code(value)) + ">";

@@ -1,0 +1,101 @@
+#!/bin/bash
+# The command line on Windows (under wine64) against the Linux one: the same
+# commands on two copies of the same projects must say the same, once each
+# run's own folder, the time stamps in backup names and the path separators
+# are set aside.
+#   tests/cli/same-on-windows.sh LINUX_SENTRUNE WINE_PREFIX WINDOWS_SENTRUNE
+# WINE_PREFIX is this script's alone: both sides read its registry.
+# Prints the first lines that differ for each command; exits 1 if any does.
+set -eu
+root=$(cd "$(dirname "$0")/../.." && pwd)
+linux=$1 prefix=$2 windows=$3
+[ -x "$linux" ] || { echo "same-on-windows: no Linux build at $linux (make test-linux first)" >&2; exit 1; }
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# The Windows path Wine gives a host path: "/" is drive Z:.
+winpath() { printf 'Z:%s' "$1" | tr / '\\'; }
+
+# Each side's copy becomes COPY, a demo's temporary folder DEMO and time
+# stamps TIME; backslashes become slashes and Windows' line ends Unix ones.
+normalise() {
+  sed -e 's/\r$//' -e 's|\\|/|g' -e "s|Z:$work/$1|COPY|g" -e "s|$work/$1|COPY|g" \
+    -e 's|[A-Za-z:]*/[^ ]*/sentrune-demo-[0-9]*|DEMO|g' \
+    -e 's/[0-9]\{4\}\.[0-9][0-9]\.[0-9][0-9]-[0-9][0-9]\.[0-9][0-9]\.[0-9][0-9]/TIME/g'
+}
+
+# run SIDE ARGS...: one command on one side; "@x/y" in ARGS is that side's
+# copy of x/y, in the side's own path form, and "%reader" the system's own
+# type library loader on Windows and the portable reader on Linux.
+run() {
+  local side=$1 arg
+  shift
+  local args=()
+  for arg; do
+    if [[ $arg == @* ]]; then
+      arg="$work/$side/${arg#@}"
+      [ "$side" = windows ] && arg=$(winpath "$arg")
+    elif [ "$arg" = %reader ]; then
+      arg=portable
+      [ "$side" = windows ] && arg=system
+    fi
+    args+=("$arg")
+  done
+  if [ "$side" = linux ]; then
+    # The Linux side reads the prefix's registry files, which a running
+    # wineserver may still be about to rewrite.
+    WINEPREFIX=$prefix wineserver -w 2>/dev/null || true
+    "$linux" --home "$work/linux/home" --wineprefix "$prefix" --yes "${args[@]}"
+  else
+    "$root/scripts/wine-run" "$prefix" "$windows" --home "$(winpath "$work/windows/home")" --yes "${args[@]}"
+  fi
+}
+
+failed=0
+same() {
+  local name=$1 side
+  shift
+  for side in linux windows; do
+    { run "$side" "$@" || echo "exit status $?"; } >"$work/$side.out" 2>&1
+    normalise "$side" <"$work/$side.out" >"$work/$side.txt"
+  done
+  if diff -u "$work/linux.txt" "$work/windows.txt" >"$work/diff"; then
+    echo "same-on-windows: $name: the same ($(wc -l <"$work/linux.txt") lines)"
+  else
+    echo "same-on-windows: $name differs (Linux -, Windows +):"
+    sed -n '3,30p' "$work/diff"
+    failed=1
+  fi
+}
+
+# Both sides work on copies of the example and, when the corpus is there, of
+# a real project with a compiled component.
+corpus="$root/../shared/corpus/vb6/EduardoVB-SSTabEx"
+for side in linux windows; do
+  mkdir -p "$work/$side"
+  cp -r "$root/examples/Widgets" "$work/$side/Widgets"
+  [ -d "$corpus" ] && cp -r "$corpus" "$work/$side/SSTabEx"
+done
+
+same "demo" demo
+same "build 1.0" build @Widgets/Widgets.vbp --component @Widgets/builds/Widgets-1.0.dll
+same "refs" refs @Widgets/Widgets.vbp
+same "fix-paths" fix-paths @Widgets/Widgets.vbp
+same "snapshot" snapshot @Widgets/Widgets.vbp
+same "fix-associations" --no fix-associations
+same "inspect --json" inspect --json @Widgets/builds/Widgets-2.0.dll
+same "inspect --json, the system's loader" --reader %reader inspect --json @Widgets/builds/Widgets-2.0.dll
+if [ -d "$corpus" ]; then
+  same "corpus refs" refs "@SSTabEx/control-source/TabExCtl.vbp"
+  same "corpus fix-paths" fix-paths "@SSTabEx/control-source/TabExCtl.vbp"
+  same "corpus snapshot" snapshot "@SSTabEx/control-source/TabExCtl.vbp"
+  for component in "$work/linux/SSTabEx"/*/*.ocx "$work/linux/SSTabEx"/*/*/*.cmp; do
+    [ -f "$component" ] || continue
+    relative=${component#"$work/linux/"}
+    same "corpus inspect $relative" inspect --json "@$relative"
+    same "corpus inspect $relative, the system's loader" --reader %reader inspect --json "@$relative"
+  done
+else
+  echo "same-on-windows: no corpus at $corpus; its projects were skipped"
+fi
+exit $failed
