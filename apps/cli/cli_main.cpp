@@ -24,23 +24,26 @@ Examples:
   sentrune options set ActiveX_DLL_CreateBackup Yes
   sentrune --home ./cfg options reset              write the start values again)";
 
-void AddGlobalOptions(CLI::App& app, GlobalOptions& global) {
+void AddGlobalOptions(CLI::App& app, GlobalOptions& global, bool mapsDrives) {
+  // Where drive letters are the system's own, the options stay, to be refused
+  // with a reason rather than rejected as unknown.
+  const std::string offWindows = mapsDrives ? "" : " (off Windows only)";
   app.add_option("--home", global.home, "The add-in's folder (options, trace, logs)")
       ->type_name("DIR");
   auto* yes = app.add_flag("--yes,-y", global.yes, "Answer Yes (or OK) to every question");
   auto* no = app.add_flag("--no,-n", global.no, "Answer No (or Cancel) to every question");
   yes->excludes(no);
-  app.add_option("--drive", global.drives, "Map a drive letter to a host folder")
+  app.add_option("--drive", global.drives, "Map a drive letter to a host folder" + offWindows)
       ->type_name("X=DIR")
       ->each([](const std::string& value) {
         if (value.size() < 3 || value[1] != '=' || !std::isalpha(static_cast<unsigned char>(value[0])))
           throw CLI::ValidationError("--drive", "expected X=DIR, got '" + value + "'");
       });
-  app.add_option("--wineprefix", global.wineprefix, "Wine prefix whose drives to use")
+  app.add_option("--wineprefix", global.wineprefix, "Wine prefix whose drives to use" + offWindows)
       ->type_name("DIR");
   app.add_option("--reader", global.reader, "Who reads type libraries (default portable)")
       ->type_name("portable|system")
-      ->check(CLI::IsMember({"portable", "system"}));
+      ->check(CLI::IsMember({"portable", "system"}).description(""));
 }
 
 }  // namespace
@@ -54,7 +57,7 @@ int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in,
   app.footer("\n" + host.Help().paths + kFooter + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
-  AddGlobalOptions(app, session.global);
+  AddGlobalOptions(app, session.global, host.Help().mapsDrives);
   for (const Command& command : Commands())
     command.setUp(*app.add_subcommand(command.name, command.help), session);
   try {

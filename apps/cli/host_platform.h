@@ -69,6 +69,7 @@ class StopRequest {
 struct HostHelp {
   std::string paths;     // how paths are given and where the add-in's folder is
   std::string registry;  // which registry the registry commands read and write
+  bool mapsDrives;       // whether --drive and --wineprefix mean anything here
 };
 
 // The system itself: main() makes one and lends it to every session.

@@ -129,7 +129,8 @@ HostHelp PosixHost::Help() {
       "The add-in's folder (--home) holds its INI file of options, the trace file and\n"
       "the Logs folder; by default it is $XDG_CONFIG_HOME/sentrune (~/.config/sentrune).\n",
       "the registry of the Wine prefix (--wineprefix, else $WINEPREFIX or ~/.wine),\n"
-      "which must not be in use by a running wineserver when it is changed."};
+      "which must not be in use by a running wineserver when it is changed.",
+      true};
 }
 
 std::string PosixHost::DefaultHomeFolder() {

@@ -1,6 +1,6 @@
 #include "win32_host.h"
 
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <io.h>
 #include <shlobj.h>
@@ -139,7 +139,7 @@ HostHelp Win32Host::Help() {
       "relative to the current folder.\n\n"
       "The add-in's folder (--home) holds its INI file of options, the trace file and\n"
       "the Logs folder; by default it is %APPDATA%\\Sentrune.\n",
-      "the registry of this computer, as the current user sees it."};
+      "the registry of this computer, as the current user sees it.", false};
 }
 
 std::string Win32Host::DefaultHomeFolder() {

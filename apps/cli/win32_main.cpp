@@ -1,6 +1,6 @@
 // sentrune.exe: the arguments come from the wide command line so that paths
 // with any characters reach the core as UTF-8, and the console shows UTF-8.
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <shellapi.h>
 

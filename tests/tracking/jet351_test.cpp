@@ -8,7 +8,7 @@
 
 #include <filesystem>
 
-#include "support/posix_addin.h"
+#include "support/host_addin.h"
 #include "support/temp_folder.h"
 #include "tracking_world.h"
 
@@ -188,12 +188,12 @@ TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
   EXPECT_FALSE(job.Changed());
 }
 
-TEST(PosixTrackingDatabase, IsARealDatabaseFile) {
+TEST(HostTrackingDatabase, IsARealDatabaseFile) {
   testing::TempFolder folder;
   folder.Write("Grid.dll", "MZ");
   folder.MakeFolder("home");
   {
-    testing::PosixAddin addin(folder / "home", folder / "no-prefix", {{'T', folder.path()}});
+    testing::HostAddin addin(folder / "home", 'T', folder.path());
     clsJet351 jet(addin.state);
     jet.SetCurrentDBName("T:\\Grid.stn");
     ASSERT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), 0);

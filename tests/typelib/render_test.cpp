@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/fake_typelib_source.h"
+#include "typelib/tlb_idl.h"
 
 namespace sentrune {
 namespace {
@@ -67,6 +68,15 @@ TEST(StripScope, KeepsTheTextAfterTheScopeWordWithoutComment) {
   EXPECT_EQ(sfncStripScopeDefAndHelp("Public Property Get P(Optional ByVal s As String = \"it's\") As Long",
                                      "Property"),
             "Get P(Optional ByVal s As String = \"it");
+}
+
+TEST(TypeLibIdl, RefusesATypeItCannotNameAndSaysWhere) {
+  platform::TlbLibrary lib = Library("L", "{00000000-0000-0000-0000-0000000000AA}");
+  lib.types.push_back(TypeInfo("IThing", "interface", "{00000000-0000-0000-0000-0000000000AB}"));
+  lib.types[0].functions = {Function("Owner", 2, Type(vt::kUserDefined))};
+  const rt::Result<std::string> idl = TypeLibIdl(lib);
+  ASSERT_FALSE(idl.ok());
+  EXPECT_EQ(idl.error().description, "IThing.Owner uses a type IDL cannot name (variant type 29, unresolved or imported)");
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #include "platform/win32/win32_env.h"
 
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 #include <shlobj.h>
 #include <winnetwk.h>
-// <commdlg.h> maps this name to its own function; here it is the run time's.
-#undef GetFileTitle
 
 #include <utility>
 

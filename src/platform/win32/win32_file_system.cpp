@@ -1,6 +1,6 @@
 #include "platform/win32/win32_file_system.h"
 
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <algorithm>
 #include <memory>
@@ -13,13 +13,6 @@
 #include "platform/win32/win32_text.h"
 #include "runtime/text.h"
 #include "runtime/winpath.h"
-
-// <windows.h> maps these names to its own functions; here they are ours.
-#undef CopyFile
-#undef CreateDirectory
-#undef DeleteFile
-#undef GetLongPathName
-#undef RemoveDirectory
 
 namespace sentrune::win32 {
 

@@ -1,13 +1,14 @@
 #pragma once
 // Notice of files written in folders, through ReadDirectoryChangesW with one
 // overlapped read per folder. On Windows the host's paths are Windows paths.
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/file_watch.h"
+#include "platform/win32/windows_api.h"
 
 namespace sentrune::win32 {
 

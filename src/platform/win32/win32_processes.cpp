@@ -1,13 +1,10 @@
 #include "platform/win32/win32_processes.h"
 
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 #include <shellapi.h>
 
 #include "platform/win32/win32_errors.h"
 #include "platform/win32/win32_text.h"
-
-// <shellapi.h> maps this name to its own function; here it is ours.
-#undef FindExecutable
 
 namespace sentrune::win32 {
 

@@ -1,7 +1,7 @@
 // The headless IDE: reading project files as the IDE reads them and saving
 // them so that only the lines that changed differ from the file read; groups,
 // events and menus; and real projects written by others, read in place
-// through the POSIX file system, each opening and serializing unchanged.
+// through the host's file system, each opening and serializing unchanged.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,10 +12,10 @@
 #include "platform/headless/headless_ide.h"
 #include "platform/headless/headless_project.h"
 #include "platform/ide.h"
-#include "platform/posix/posix_file_system.h"
 #include "support/expected_file.h"
 #include "support/fake_file_system.h"
 #include "support/fake_typelib_source.h"
+#include "support/host_drive.h"
 #include "support/host_files.h"
 
 namespace sentrune::headless::test {
@@ -379,22 +379,22 @@ TEST(HeadlessIdeMenus, ClickingOpensEachMenuOnTheWay) {
 }
 
 
-// Real projects written by others, read in place through the POSIX file
+// Real projects written by others, read in place through the host's file
 // system; skipped where the corpus is not there.
 class HeadlessCorpus : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!hostfs::is_directory(testing::CorpusFolder())) GTEST_SKIP() << "no corpus at " << testing::CorpusFolder();
-    root_ = hostfs::canonical(testing::CorpusFolder());
+    if (!hostfs::is_directory(root_)) GTEST_SKIP() << "no corpus at " << root_;
     // Paths that climb out of a project stop at S:\ and never reach the
     // rest of the machine.
-    files_ = std::make_unique<posix::PosixFileSystem>(posix::DriveMap::Build("", {{'S', root_.string()}}));
+    files_ = testing::HostDriveFileSystem('S', root_);
   }
 
   // Corpus files with this extension (any case), relative, in a fixed order.
   std::vector<hostfs::path> Find(std::string_view extension) const {
     std::vector<hostfs::path> found;
-    for (const hostfs::path& file : testing::CorpusFiles({extension})) found.push_back(hostfs::relative(file, root_));
+    for (const hostfs::path& file : testing::CorpusFiles({extension}))
+      found.push_back(file.lexically_normal().lexically_relative(root_.lexically_normal()));
     return found;
   }
   static std::string Windows(const hostfs::path& relative) { return "S:\\" + testing::Backslashed(relative); }
@@ -404,8 +404,8 @@ class HeadlessCorpus : public ::testing::Test {
     return opened.ok() ? opened->projects.at(0) : nullptr;
   }
 
-  hostfs::path root_;
-  std::unique_ptr<posix::PosixFileSystem> files_;
+  const hostfs::path root_ = testing::CorpusFolder();
+  std::unique_ptr<platform::FileSystem> files_;
 };
 
 TEST_F(HeadlessCorpus, EveryProjectOpensAndSerializesUnchanged) {

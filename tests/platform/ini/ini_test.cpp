@@ -9,8 +9,8 @@
 #include "../../../fuzz/ini_fuzz_case.h"
 #include "platform/ini/ini_file.h"
 #include "platform/ini/ini_text.h"
-#include "platform/posix/posix_file_system.h"
 #include "support/fake_file_system.h"
+#include "support/host_drive.h"
 #include "support/profile_contract.h"
 #include "support/robustness.h"
 #include "support/temp_folder.h"
@@ -117,7 +117,7 @@ constexpr const char* kIni = "C:\\Cfg\\Sentrune.ini";
 class FileSystemProfileFolder : public testing::ProfileFolder {
  public:
   explicit FileSystemProfileFolder(bool real) {
-    if (real) files_ = std::make_unique<posix::PosixFileSystem>(posix::DriveMap::Build("", {{'C', host_.path()}}));
+    if (real) files_ = testing::HostDriveFileSystem('C', host_.path());
     else files_ = std::make_unique<FakeFileSystem>();
     EXPECT_TRUE(files_->CreateDirectory("C:\\Cfg").ok());
     profiles_ = std::make_unique<PortableProfileFiles>(*files_);
@@ -145,7 +145,7 @@ class FileSystemProfileFolder : public testing::ProfileFolder {
 
 const testing::ProfileStore kStores[] = {
     {"Fake", [] { return std::make_unique<FileSystemProfileFolder>(false); }},
-    {"Posix", [] { return std::make_unique<FileSystemProfileFolder>(true); }},
+    {"Host", [] { return std::make_unique<FileSystemProfileFolder>(true); }},
 };
 
 using testing::ProfileContract;

@@ -4,10 +4,8 @@
 #include "platform/win32/win32_env.h"
 
 #include <gtest/gtest.h>
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 // It maps these names to its own functions; here they are methods.
-#undef DeleteFile
-#undef FindExecutable
 
 #include <cstdlib>
 #include <string>

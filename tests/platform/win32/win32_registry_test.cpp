@@ -1,7 +1,7 @@
 // The system's registry under a scratch key of the current user's: the
 // contract every registry keeps, then what only the system does: refusals by
 // security, other computers, and text as UTF-16.
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 #include <sddl.h>
 
 #include <gtest/gtest.h>
