@@ -57,6 +57,8 @@ int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in,
   app.footer("\n" + host.Help().paths + kFooter + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
+  // "/x" is a path, never an option, whatever the system.
+  app.allow_windows_style_options(false);
   AddGlobalOptions(app, session.global, host.Help().mapsDrives);
   for (const Command& command : Commands())
     command.setUp(*app.add_subcommand(command.name, command.help), session);

@@ -58,7 +58,13 @@ class Win32HostEnv : public HostEnv {
   platform::VersionResources& Versions() override { return versions_; }
   platform::TypeLibSource& TypeLibs() override { return *typelibs_; }
   std::optional<std::string> WindowsPath(const std::string& hostPath) override { return FullPath(hostPath); }
-  rt::Result<std::string> HostPath(const std::string& windowsPath) override { return windowsPath; }
+  // A folder is named without its trailing "\", as a POSIX host names it,
+  // except for a drive's root.
+  rt::Result<std::string> HostPath(const std::string& windowsPath) override {
+    std::string path = windowsPath;
+    if (path.size() > 3 && path.back() == '\\') path.pop_back();
+    return path;
+  }
   std::unique_ptr<platform::Registry> OpenVerifyRegistry(std::ostream*) override {
     return std::make_unique<win32::Win32Registry>();
   }

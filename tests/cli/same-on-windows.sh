@@ -16,11 +16,14 @@ trap 'rm -rf "$work"' EXIT
 # The Windows path Wine gives a host path: "/" is drive Z:.
 winpath() { printf 'Z:%s' "$1" | tr / '\\'; }
 
-# Each side's copy becomes COPY, a demo's temporary folder DEMO and time
-# stamps TIME; backslashes become slashes and Windows' line ends Unix ones.
+# Each side's copy becomes COPY, a demo's temporary folder DEMO, time stamps
+# TIME and the registry a repair changed REGISTRY (a prefix's files on Linux,
+# the system's own on Windows); backslashes become slashes and Windows' line
+# ends Unix ones.
 normalise() {
   sed -e 's/\r$//' -e 's|\\|/|g' -e "s|Z:$work/$1|COPY|g" -e "s|$work/$1|COPY|g" \
     -e 's|[A-Za-z:]*/[^ ]*/sentrune-demo-[0-9]*|DEMO|g' \
+    -e 's/\(associations* changed in\) .*/\1 REGISTRY/' \
     -e 's/[0-9]\{4\}\.[0-9][0-9]\.[0-9][0-9]-[0-9][0-9]\.[0-9][0-9]\.[0-9][0-9]/TIME/g'
 }
 
@@ -28,9 +31,11 @@ normalise() {
 # copy of x/y, in the side's own path form, and "%reader" the system's own
 # type library loader on Windows and the portable reader on Linux.
 run() {
-  local side=$1 arg
+  local side=$1 arg answer=--yes
   shift
   local args=()
+  # --no in place of the usual --yes.
+  [ "$1" = --no ] && answer=--no && shift
   for arg; do
     if [[ $arg == @* ]]; then
       arg="$work/$side/${arg#@}"
@@ -45,9 +50,9 @@ run() {
     # The Linux side reads the prefix's registry files, which a running
     # wineserver may still be about to rewrite.
     WINEPREFIX=$prefix wineserver -w 2>/dev/null || true
-    "$linux" --home "$work/linux/home" --wineprefix "$prefix" --yes "${args[@]}"
+    "$linux" --home "$work/linux/home" --wineprefix "$prefix" "$answer" "${args[@]}"
   else
-    "$root/scripts/wine-run" "$prefix" "$windows" --home "$(winpath "$work/windows/home")" --yes "${args[@]}"
+    "$root/scripts/wine-run" "$prefix" "$windows" --home "$(winpath "$work/windows/home")" "$answer" "${args[@]}"
   fi
 }
 
@@ -55,7 +60,8 @@ failed=0
 same() {
   local name=$1 side
   shift
-  for side in linux windows; do
+  # Windows first: its run makes the prefix the Linux side reads.
+  for side in windows linux; do
     { run "$side" "$@" || echo "exit status $?"; } >"$work/$side.out" 2>&1
     normalise "$side" <"$work/$side.out" >"$work/$side.txt"
   done

@@ -21,7 +21,9 @@ struct HostAddin {
       : letter(letter), hostFolder(hostFolder), env(HostDriveEnv(home, letter, hostFolder)) {}
 
   // The Windows path of a host path under the drive's folder.
-  std::string OnDrive(const std::filesystem::path& hostPath) const { return HostDrivePath(letter, hostFolder, hostPath); }
+  std::string OnDrive(const std::filesystem::path& hostPath) const {
+    return HostDrivePath(letter, hostFolder, hostPath);
+  }
 
   char letter;
   std::filesystem::path hostFolder;
