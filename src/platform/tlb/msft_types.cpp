@@ -30,6 +30,10 @@ platform::TlbValue FromBits(uint16_t type, uint64_t bits) {
     case vt::kR4: value.real = std::bit_cast<float>(static_cast<uint32_t>(bits)); break;
     case vt::kR8: case vt::kDate: value.real = std::bit_cast<double>(bits); break;
     case vt::kEmpty: case vt::kNull: case vt::kDispatch: case vt::kUnknown: case vt::kBstr: break;
+    // A VARIANT holds another VARIANT only by reference, so a value typed
+    // VARIANT has none: widl stores a VARIANT* parameter's null default so,
+    // and the system reports it as empty.
+    case vt::kVariant: value.vt = vt::kEmpty; break;
     default: value.integer = static_cast<int64_t>(bits); break;  // I8, UI8, CY and the rest
   }
   return value;

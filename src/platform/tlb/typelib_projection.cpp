@@ -89,8 +89,8 @@ TlbTypeInfo ProjectType(const RawLibrary& raw, const TypeProjection& types, RawT
   out.helpString = type.helpString;
   const bool dual = IsDual(type);
   out.kind = dual ? "dispatch" : kKindWords[static_cast<size_t>(type.kind) % kKindWords.size()];
-  const bool memberless = type.kind == TypeKind::kAlias || type.kind == TypeKind::kUnion;
-  out.guid = type.guid.empty() || memberless ? kNullGuid : type.guid;
+  // Aliases and unions keep a GUID the library stores for them, as any type does.
+  out.guid = type.guid.empty() ? kNullGuid : type.guid;
   out.flags = dual ? type.flags & ~kTypeFlagOleAutomation : type.flags;
   if (type.kind == TypeKind::kCoclass) LinkPair(type, out);
   out.functions = Functions(raw, types, type, take, inheritedBudget);

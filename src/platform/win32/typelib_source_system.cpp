@@ -1,11 +1,15 @@
 #include "platform/win32/typelib_source_system.h"
 
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <oleauto.h>
 
 #include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 #include "platform/win32/typelib_source_system_com.h"
@@ -40,10 +44,16 @@ bool IsFile(const std::string& path, DWORD& error) {
   return false;
 }
 
-// The file a path names: itself, or for "file.dll\3" the text before the
-// resource number; nothing when neither is a file (the error says why).
-std::optional<std::string> LibraryFile(const std::string& path, DWORD& error) {
-  if (IsFile(path, error)) return path;
+struct LibraryPath {
+  std::string file;
+  UINT resource = 1;
+};
+
+// The file a path names and the TYPELIB resource it selects: the path
+// itself, or for "file.dll\3" the text before the number; nothing when
+// neither is a file (the error says why).
+std::optional<LibraryPath> Locate(const std::string& path, DWORD& error) {
+  if (IsFile(path, error)) return LibraryPath{path};
   const size_t slash = path.rfind('\\');
   if (slash == std::string::npos || slash + 1 == path.size() ||
       !std::all_of(path.begin() + static_cast<ptrdiff_t>(slash) + 1, path.end(),
@@ -51,29 +61,41 @@ std::optional<std::string> LibraryFile(const std::string& path, DWORD& error) {
     return std::nullopt;
   }
   DWORD ignored = 0;
-  if (IsFile(path.substr(0, slash), ignored)) return path.substr(0, slash);
-  return std::nullopt;
+  if (!IsFile(path.substr(0, slash), ignored)) return std::nullopt;
+  // A number too large for a resource ID saturates and so finds nothing.
+  uint64_t resource = 0;
+  for (char c : path.substr(slash + 1)) resource = std::min<uint64_t>(resource * 10 + (c - '0'), UINT_MAX);
+  return LibraryPath{path.substr(0, slash), static_cast<UINT>(resource)};
+}
+
+bool StartsWithLibraryMagic(const std::string& file) {
+  const HANDLE handle = CreateFileW(LongPath(file).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return false;
+  char magic[4] = {};
+  DWORD read = 0;
+  const bool whole = ReadFile(handle, magic, sizeof magic, &read, nullptr) && read == sizeof magic;
+  CloseHandle(handle);
+  return whole && (std::memcmp(magic, "MSFT", 4) == 0 || std::memcmp(magic, "SLTG", 4) == 0);
+}
+
+// Whether the file holds what the loader reads: a PE image with the selected
+// TYPELIB resource, or a bare MSFT or SLTG library. The loader answers
+// TYPE_E_CANTLOADLIBRARY both where there is none and where the one there is
+// damaged, and only the first means the file is no component.
+bool HoldsTypeLibrary(const LibraryPath& target) {
+  const HMODULE image = LoadLibraryExW(Widen(target.file).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  if (image == nullptr) return StartsWithLibraryMagic(target.file);
+  const bool found = target.resource <= 0xFFFF &&
+                     FindResourceW(image, MAKEINTRESOURCEW(target.resource), L"TYPELIB") != nullptr;
+  FreeLibrary(image);
+  return found;
 }
 
 std::string HresultText(HRESULT hr) {
   char text[16];
   std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
   return text;
-}
-
-// What the loader answers for a file it finds no type library in: Wine and
-// Windows give TYPE_E_CANTLOADLIBRARY for an image without a TYPELIB resource
-// or a file that is no library at all; Windows may name the missing resource.
-bool HoldsNoTypeLibrary(HRESULT hr) {
-  switch (hr) {
-    case TYPE_E_CANTLOADLIBRARY:
-    case HRESULT_FROM_WIN32(ERROR_RESOURCE_DATA_NOT_FOUND):
-    case HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND):
-    case HRESULT_FROM_WIN32(ERROR_RESOURCE_NAME_NOT_FOUND):
-    case HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT):
-      return true;
-    default: return false;
-  }
 }
 
 // The failure's HRESULT is its number, as the run time numbers automation
@@ -87,20 +109,20 @@ rt::VbError CallError(const std::string& file, HRESULT hr, const std::string& wh
 
 rt::Result<platform::TlbLibrary> SystemTypeLibSource::Load(const std::string& path) {
   DWORD error = ERROR_SUCCESS;
-  const std::optional<std::string> file = LibraryFile(path, error);
-  if (!file) return Win32ToVbError(error, path, rt::errnum::kFileNotFound);
+  const std::optional<LibraryPath> target = Locate(path, error);
+  if (!target) return Win32ToVbError(error, path, rt::errnum::kFileNotFound);
   const ComApartment apartment;
   ComRef<ITypeLib> library;
   const HRESULT hr = LoadTypeLibEx(Widen(path).c_str(), REGKIND_NONE, library.Put());
   if (FAILED(hr)) {
-    rt::VbError failure = CallError(*file, hr, "LoadTypeLibEx");
-    if (HoldsNoTypeLibrary(hr)) failure.number = rt::errnum::kNotATypeLibrary;
+    rt::VbError failure = CallError(target->file, hr, "LoadTypeLibEx");
+    if (!HoldsTypeLibrary(*target)) failure.number = rt::errnum::kNotATypeLibrary;
     return failure;
   }
   try {
     return ReadLoadedLibrary(*library);
   } catch (const TypeLibCallError& failure) {
-    return CallError(*file, failure.hr(), failure.what());
+    return CallError(target->file, failure.hr(), failure.what());
   }
 }
 

@@ -15,8 +15,9 @@ class SystemTypeLibSource : public platform::TypeLibSource {
   // Missing file 53; a file the loader finds no type library in (no TYPELIB
   // resource, not a library at all) rt::errnum::kNotATypeLibrary; any other
   // failure the loader's HRESULT as the number, with a description that
-  // names the file and gives the HRESULT in hex. Joins the calling thread's
-  // COM apartment for the call, or uses the one it is in.
+  // names the file and gives the HRESULT in hex. A thread without COM joins
+  // a single-threaded apartment for the call and leaves it again; a thread
+  // in an apartment stays in it.
   rt::Result<platform::TlbLibrary> Load(const std::string& path) override;
 };
 

@@ -3,7 +3,7 @@
 // pointers, BSTRs and the TYPEATTR / FUNCDESC / VARDESC blocks that must go
 // back to the ITypeInfo that gave them. Failures of the calls that fill them
 // throw TypeLibCallError, which the source turns into one error result.
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <oaidl.h>
 
@@ -101,14 +101,8 @@ class TypeAttr : public InfoBlock<TYPEATTR, &ITypeInfo::ReleaseTypeAttr> {
 
 class FuncDesc : public InfoBlock<FUNCDESC, &ITypeInfo::ReleaseFuncDesc> {
  public:
-  FuncDesc(ITypeInfo& info, UINT index) : InfoBlock(info, Get(info, index)) {}
-
- private:
-  static FUNCDESC* Get(ITypeInfo& info, UINT index) {
-    FUNCDESC* desc = nullptr;
-    Check(info.GetFuncDesc(index, &desc), "GetFuncDesc(" + std::to_string(index) + ")");
-    return desc;
-  }
+  // Takes over a block GetFuncDesc gave.
+  FuncDesc(ITypeInfo& info, FUNCDESC* desc) : InfoBlock(info, desc) {}
 };
 
 class VarDesc : public InfoBlock<VARDESC, &ITypeInfo::ReleaseVarDesc> {

@@ -26,6 +26,9 @@ platform::TlbValue ToValue(const VARIANT& value) {
     case VT_R4: out.real = V_R4(&value); break;
     case VT_R8: out.real = V_R8(&value); break;
     case VT_DATE: out.real = V_DATE(&value); break;
+    // A VARIANT holds another only by reference: one typed VARIANT (a
+    // VARIANT* parameter's null default, as widl stores it) has no value.
+    case VT_VARIANT: out.vt = VT_EMPTY; break;
     case VT_BSTR: {
       const BSTR text = V_BSTR(&value);
       out.text = Narrow(std::wstring_view(text, SysStringLen(text)));

@@ -129,7 +129,14 @@ std::vector<TlbMember> Functions(ITypeInfo& info, const TYPEATTR& attr) {
   std::vector<TlbMember> functions;
   functions.reserve(attr.cFuncs);
   for (UINT i = 0; i < attr.cFuncs; ++i) {
-    const FuncDesc func(info, i);
+    FUNCDESC* desc = nullptr;
+    const HRESULT hr = info.GetFuncDesc(i, &desc);
+    // Wine's loader counts a dual's dispatch view by its vtable size, which
+    // also covers slots of procedures the library does not list (those of a
+    // VB6 class that are not public): the count then runs past the list.
+    if (hr == TYPE_E_ELEMENTNOTFOUND) break;
+    Check(hr, "GetFuncDesc(" + std::to_string(i) + ")");
+    const FuncDesc func(info, desc);
     TlbMember& member = functions.emplace_back();
     const MemberNames names(info, func->memid, static_cast<UINT>(func->cParams) + 1);
     member.name = names[0];

@@ -5,7 +5,7 @@
 // left to do here is what the portable projection also does: type
 // descriptors become (variant code, user-defined name) pairs, a coclass's
 // link pair becomes positions, enum values are cut to 32 bits.
-#include <windows.h>
+#include "platform/win32/windows_api.h"
 
 #include <oaidl.h>
 

@@ -259,5 +259,55 @@ TEST(ProjectionRules, EnumValuesAreCutTo32Bits) {
   EXPECT_EQ(values, (std::vector<int64_t>{-1, 5, -7}));
 }
 
+// Wine's own libraries, projected as the system's loader presents them
+// (checked against it under Wine by the win32 tests).
+std::optional<TlbLibrary> WineLibrary(std::string_view name) {
+  const auto path = testing::WineFile("x86_64", name);
+  if (!path) return std::nullopt;
+  auto raw = ReadTypeLibBytes(testing::ReadHostBytes(*path), 1);
+  EXPECT_TRUE(raw.ok()) << name << ": " << (raw.ok() ? "" : raw.error().description);
+  return raw.ok() ? std::optional(ProjectLibrary(std::move(*raw))) : std::nullopt;
+}
+const platform::TlbTypeInfo& TypeNamed(const TlbLibrary& library, std::string_view name, size_t skip = 0) {
+  for (const auto& type : library.types) {
+    if (type.name == name && skip-- == 0) return type;
+  }
+  ADD_FAILURE() << "no type " << name;
+  static const platform::TlbTypeInfo kNone;
+  return kNone;
+}
+const TlbMember& FunctionNamed(const platform::TlbTypeInfo& type, std::string_view name) {
+  for (const auto& function : type.functions) {
+    if (function.name == name) return function;
+  }
+  ADD_FAILURE() << "no function " << name;
+  static const TlbMember kNone;
+  return kNone;
+}
+
+TEST(WineLibraries, AliasesDefaultsAndRepeatedTypedefsAsTheSystemShowsThem) {
+  const auto stdole = WineLibrary("stdole2.tlb");
+  const auto mshtml = WineLibrary("mshtml.tlb");
+  const auto animation = WineLibrary("uianimation.dll");
+  if (!stdole || !mshtml || !animation) GTEST_SKIP() << "Wine's libraries are not installed";
+  // An alias keeps the GUID it is stored with; one stored without has none.
+  EXPECT_EQ(TypeNamed(*stdole, "OLE_COLOR").guid, "{66504301-BE0F-101A-8BBB-00AA00300CAB}");
+  EXPECT_EQ(TypeNamed(*stdole, "IFontDisp").guid, "{00000000-0000-0000-0000-000000000000}");
+  // widl stores the null default of an optional VARIANT* as a value of type
+  // VARIANT, which no VARIANT holds by value: there is none.
+  const platform::TlbParam& priority =
+      FunctionNamed(TypeNamed(*mshtml, "IHTMLCSSStyleDeclaration"), "setProperty").params.at(2);
+  EXPECT_EQ(priority.name, "pvarPropertyPriority");
+  EXPECT_TRUE(priority.optional && priority.hasDefault);
+  EXPECT_EQ(priority.defaultValue, platform::TlbValue{});
+  // widl writes the typedef UI_ANIMATION_KEYFRAME (a pointer to a record it
+  // names) once per use; each reference reaches its own copy by position.
+  const TlbType keyframe{vt::kByRefFlag, "__WIDL_uianimation_typelib_generated_name_0000000B"};
+  const TlbMember& repeat = FunctionNamed(TypeNamed(*animation, "IUIAnimationStoryboard"), "RepeatBetweenKeyframes");
+  EXPECT_EQ(repeat.params.at(0).type, keyframe);
+  EXPECT_EQ(repeat.params.at(1).type, keyframe);
+  EXPECT_EQ(TypeNamed(*animation, "UI_ANIMATION_KEYFRAME", 6).kind, "alias");
+}
+
 }  // namespace
 }  // namespace sentrune::portable
