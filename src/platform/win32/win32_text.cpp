@@ -25,6 +25,11 @@ std::string Narrow(std::wstring_view wide) {
 std::wstring LongPath(std::string_view utf8Path) {
   std::wstring wide = Widen(utf8Path);
   if (wide.rfind(L"\\\\?\\", 0) == 0) return wide;
+  if (const DWORD size = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr); size != 0) {
+    std::wstring full(size, L'\0');
+    full.resize(GetFullPathNameW(wide.c_str(), size, full.data(), nullptr));
+    wide = std::move(full);
+  }
   if (wide.size() >= 3 && wide[1] == L':' && wide[2] == L'\\') return L"\\\\?\\" + wide;
   if (wide.rfind(L"\\\\", 0) == 0) return L"\\\\?\\UNC\\" + wide.substr(2);
   return wide;

@@ -11,9 +11,10 @@ std::wstring Widen(std::string_view utf8);
 std::string Narrow(std::wstring_view wide);
 
 // The wide form of a Windows path that the file functions accept at any
-// length: drive paths become "\\?\C:\...", UNC paths "\\?\UNC\server\...".
-// Relative paths and paths already in that form are only widened, since the
-// prefix turns off the normalisation they need.
+// length: the full path, with "." and ".." resolved as the system resolves
+// them (the prefix turns that off), then "\\?\C:\..." for a drive path and
+// "\\?\UNC\server\..." for a UNC path. A path already in that form is only
+// widened.
 std::wstring LongPath(std::string_view utf8Path);
 // The same path without the prefix LongPath adds, back in UTF-8.
 std::string StripLongPrefix(std::wstring_view widePath);

@@ -11,7 +11,11 @@ TEST(Win32Text, ConvertsAndPrefixesLongPaths) {
   EXPECT_EQ(Narrow(Widen(name)), name);
   EXPECT_EQ(LongPath(name), L"\\\\?\\" + Widen(name));
   EXPECT_EQ(LongPath("\\\\server\\share\\a.dll"), L"\\\\?\\UNC\\server\\share\\a.dll");
-  EXPECT_EQ(LongPath("relative\\a.dll"), L"relative\\a.dll");
+  // The prefix turns the system's own resolution off, so it happens first.
+  EXPECT_EQ(LongPath("C:\\Src\\..\\.\\a.dll"), L"\\\\?\\C:\\a.dll");
+  const std::wstring relative = LongPath("relative\\a.dll");
+  EXPECT_EQ(relative.rfind(L"\\\\?\\", 0), 0u);
+  EXPECT_TRUE(relative.ends_with(L"\\relative\\a.dll"));
   EXPECT_EQ(StripLongPrefix(LongPath(name)), name);
   EXPECT_EQ(StripLongPrefix(LongPath("\\\\server\\share\\a.dll")), "\\\\server\\share\\a.dll");
 }
