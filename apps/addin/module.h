@@ -1,0 +1,17 @@
+#pragma once
+// The DLL as a whole: how many of its objects and server locks are alive
+// (DllCanUnloadNow may let the DLL go only at zero), and where it lies.
+#include <string>
+
+namespace sentrune::addin {
+
+// Counts one live object or server lock more, or one less.
+void LockModule();
+void UnlockModule();
+bool ModuleInUse();
+
+// The DLL's own full path in UTF-8 (not that of the program that loaded
+// it); empty when the system cannot say.
+std::string ModulePath();
+
+}  // namespace sentrune::addin
