@@ -8,6 +8,9 @@
 #include "platform/win32/win32_registry.h"
 #include "platform/win32/win32_version_resources.h"
 #include "verify/frm_install_details.h"
+#include "vbe_application.h"
+#include "vbe_menu_actions.h"
+#include "vbe_timer.h"
 
 namespace sentrune::addin {
 
@@ -21,6 +24,14 @@ struct AddinCore::Parts {
   sentrune::Connect connect{state};
 };
 
+// What lives while the IDE has the add-in connected: the IDE's objects,
+// held through its VBE, and the timer, which goes first.
+struct AddinCore::Connection {
+  explicit Connection(IDispatch* ide) : vbe(ComPtr<IDispatch>(ide)) {}
+  VbeApplication vbe;
+  std::unique_ptr<MessageTimer> timer;
+};
+
 AddinCore::AddinCore() : parts_(std::make_unique<Parts>()) {
   parts_->connect.ShowDiagnostics = [](sentrune::Connect& connect) {
     win32::Win32Registry registry;
@@ -32,21 +43,31 @@ AddinCore::AddinCore() : parts_(std::make_unique<Parts>()) {
 AddinCore::~AddinCore() { Disconnect(); }
 
 void AddinCore::Connect(IDispatch* application) {
-  if (application_.get() == application) return;
+  if (connection_ && connection_->vbe.get() == application) return;
   Disconnect();
-  application->AddRef();
-  application_.reset(application);
-  // The seam for the IDE's object model: the platform::VBE over
-  // `application` (and the add-in menu over its command bars, through
-  // connect.SetMenu) is to be built here and handed to
-  // parts_->connect.AddinInstance_OnConnection. Until then the core stays
-  // initialised and unconnected, as it is between the IDE's loads.
+  if (application == nullptr) return;
+  connection_ = std::make_unique<Connection>(application);
+  sentrune::Connect& connect = parts_->connect;
+  connect.SetMenu(std::make_unique<AddinMenuModel>(IdeMenuActions()));
+  connect.AddinInstance_OnConnection(connection_->vbe);
+  const frmAddinMain* form = connect.mainForm();
+  if (form != nullptr && form->tmrActiveWindow.Interval > 0) {
+    connection_->timer = std::make_unique<MessageTimer>(static_cast<UINT>(form->tmrActiveWindow.Interval),
+                                                        [this] { Tick(); });
+  }
+}
+
+void AddinCore::Tick() {
+  sentrune::Connect& connect = parts_->connect;
+  if (connect.mainForm() == nullptr || connect.tracker() == nullptr || connect.gobjVBInstance == nullptr) return;
+  connect.mainForm()->tmrActiveWindow_Timer(*connect.gobjVBInstance, *connect.tracker());
 }
 
 void AddinCore::Disconnect() {
-  if (!application_) return;
+  if (!connection_) return;
   // Released whether the core's disconnection ends well or not.
-  const std::unique_ptr<IDispatch, ComRelease> application = std::move(application_);
+  const std::unique_ptr<Connection> connection = std::move(connection_);
+  connection->timer.reset();
   parts_->connect.AddinInstance_OnDisconnection();
 }
 

@@ -18,18 +18,20 @@ class AddinCore {
   AddinCore(const AddinCore&) = delete;
   AddinCore& operator=(const AddinCore&) = delete;
 
-  // The IDE's VBE object, held (AddRef'd) until Disconnect.
+  // The IDE's VBE object, held (AddRef'd) until Disconnect: the core is
+  // connected to it with its menu, and the main form's timer starts.
   void Connect(IDispatch* application);
-  // AddinInstance_OnDisconnection, then the application is released.
+  // Stops the timer, runs AddinInstance_OnDisconnection (which removes the
+  // menu and ends the subscriptions), then releases every IDE object.
   void Disconnect();
 
  private:
   struct Parts;
-  struct ComRelease {
-    void operator()(IDispatch* object) const { object->Release(); }
-  };
+  struct Connection;
+  void Tick();
+
   std::unique_ptr<Parts> parts_;
-  std::unique_ptr<IDispatch, ComRelease> application_;
+  std::unique_ptr<Connection> connection_;
 };
 
 }  // namespace sentrune::addin

@@ -35,4 +35,47 @@ enum ExtensibilityDispId : DISPID {
   kDispOnBeginShutdown = 5,
 };
 
+// The IDE's event interfaces (VBIDE), found on the connection points of the
+// objects VBE.Events hands out, and the DISPIDs of their events.
+inline constexpr IID kIidVBProjectsEvents = {
+    0x0002E190, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+inline constexpr IID kIidVBComponentsEvents = {
+    0x0002E193, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+inline constexpr IID kIidFileControlEvents = {
+    0x0002E141, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+inline constexpr IID kIidCommandBarControlEvents = {
+    0x0002E198, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+
+enum ProjectsEventDispId : DISPID {
+  kDispProjectAdded = 1,
+  kDispProjectRemoved = 2,
+  kDispProjectRenamed = 3,
+  kDispProjectActivated = 4,
+};
+
+enum ComponentsEventDispId : DISPID {
+  kDispComponentAdded = 1,
+  kDispComponentRemoved = 2,
+  kDispComponentRenamed = 3,
+  kDispComponentSelected = 4,
+  kDispComponentActivated = 5,
+  kDispComponentReloaded = 6,
+};
+
+enum FileControlEventDispId : DISPID {
+  kDispAfterAddFile = 1,
+  kDispAfterChangeFileName = 2,
+  kDispAfterCloseFile = 3,
+  kDispAfterWriteFile = 4,
+  kDispAfterRemoveFile = 5,
+  kDispBeforeLoadFile = 6,
+  kDispDoGetNewFileName = 8,
+  kDispRequestChangeFileName = 0xA,
+  kDispRequestWriteFile = 0xB,
+};
+
+enum CommandBarEventDispId : DISPID {
+  kDispClick = 1,
+};
+
 }  // namespace sentrune::addin
