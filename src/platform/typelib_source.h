@@ -4,8 +4,10 @@
 // system's type library API presents it (dual interfaces as their dispatch
 // view, names by member ID, types as variant code plus user-defined name).
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "runtime/result.h"
@@ -23,12 +25,32 @@ inline constexpr uint16_t kEmpty = 0, kNull = 1, kI2 = 2, kI4 = 3, kR4 = 4, kR8 
 inline constexpr uint16_t kArrayFlag = 0x2000, kByRefFlag = 0x4000;
 }  // namespace vt
 
+// Where a user-defined type of another library comes from, as the library
+// that uses it records it (the other library's file is not read).
+struct TlbImport {
+  std::string library;  // its file as stored: "stdole2.tlb", "msvbvm60.dll\3"
+  std::string libraryGuid;
+  std::string kind;    // as TlbTypeInfo::kind; empty when the record does not say
+  std::string guid;    // the type's GUID when the record has it,
+  int32_t index = -1;  // else its position in that library
+};
+
 // A projected type: the variant code with the by-reference (0x4000) and array
 // (0x2000) flags, and for user-defined types (base code 0) the type's name.
+// The rest serves rewriting the library (as IDL), not the model.
 struct TlbType {
+  TlbType() = default;
+  TlbType(uint16_t typeCode, std::string name = {}) : code(typeCode), userTypeName(std::move(name)) {}
+
   uint16_t code = vt::kEmpty;
   std::string userTypeName;
-  bool operator==(const TlbType&) const = default;
+  // A fixed-size array's element count per dimension; empty for a SAFEARRAY.
+  std::vector<uint32_t> bounds;
+  // Set for a type of another library, named (stdole's) or not (code 29).
+  std::shared_ptr<const TlbImport> imported;
+
+  // The same type for the model; bounds and origin are not compared.
+  bool operator==(const TlbType& other) const { return code == other.code && userTypeName == other.userTypeName; }
 };
 
 // A constant or default value (a VARIANT). Integers, booleans (0 / -1), error

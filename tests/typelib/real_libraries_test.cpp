@@ -5,11 +5,11 @@
 
 #include <filesystem>
 
-#include "platform/pe/pe_image.h"
 #include "support/host_addin.h"
 #include "support/host_files.h"
 #include "support/temp_folder.h"
 #include "typelib/parse_tlb.h"
+#include "typelib/wine_libraries.h"
 
 namespace sentrune {
 namespace {
@@ -34,17 +34,8 @@ class RealLibraries : public ::testing::Test {
   int read_ = 0;
 };
 
-bool HasTypeLib(const fs::path& file) {
-  const std::vector<uint8_t> bytes = testing::ReadHostBytes(file);
-  const rt::Result<portable::PeImage> image = portable::PeImage::Parse(bytes);
-  return image.ok() && image->FindResource(portable::ResourceId::Named(portable::kTypeLibResourceType),
-                                           portable::ResourceId::Number(1));
-}
-
 TEST_F(RealLibraries, EveryWineTypeLibraryReadsAndComparesEqualToItself) {
-  std::vector<fs::path> files = testing::WineFiles("x86_64", ".tlb");
-  for (const fs::path& dll : testing::WineFiles("x86_64", ".dll"))
-    if (HasTypeLib(dll)) files.push_back(dll);
+  const std::vector<fs::path> files = testing::WineTypeLibraries();
   if (files.empty()) GTEST_SKIP() << "Wine's libraries are not installed";
   // Wine keeps them all in one folder.
   testing::HostAddin addin(home_.path(), 'W', files.front().parent_path());

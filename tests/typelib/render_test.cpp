@@ -70,13 +70,56 @@ TEST(StripScope, KeepsTheTextAfterTheScopeWordWithoutComment) {
             "Get P(Optional ByVal s As String = \"it");
 }
 
-TEST(TypeLibIdl, RefusesATypeItCannotNameAndSaysWhere) {
+// A library with one interface, IThing, that has the given functions.
+platform::TlbLibrary ThingLibrary(std::vector<platform::TlbMember> functions) {
   platform::TlbLibrary lib = Library("L", "{00000000-0000-0000-0000-0000000000AA}");
   lib.types.push_back(TypeInfo("IThing", "interface", "{00000000-0000-0000-0000-0000000000AB}"));
-  lib.types[0].functions = {Function("Owner", 2, Type(vt::kUserDefined))};
-  const rt::Result<std::string> idl = TypeLibIdl(lib);
-  ASSERT_FALSE(idl.ok());
-  EXPECT_EQ(idl.error().description, "IThing.Owner uses a type IDL cannot name (variant type 29, unresolved or imported)");
+  lib.types[0].functions = std::move(functions);
+  return lib;
+}
+
+platform::TlbType Imported(platform::TlbType type, platform::TlbImport origin) {
+  type.imported = std::make_shared<platform::TlbImport>(std::move(origin));
+  return type;
+}
+
+TEST(TypeLibIdl, RefusesWhatIdlCannotSayOrWidlCannotStoreAndSaysWhere) {
+  platform::TlbParam date = Param("When", Type(vt::kDate));
+  date.hasDefault = true;
+  date.defaultValue = {vt::kDate, 0, 0, {}};
+  const platform::TlbType font = Imported(Type(0, "Font"), {"stdole2.tlb", {}, "dispatch", {}, -1});
+  const std::pair<platform::TlbMember, const char*> cases[] = {
+      {Function("Owner", 2, Type(vt::kUserDefined)),
+       "IThing.Owner uses a type IDL cannot name (variant type 29, unresolved)"},
+      {Function("At", 1, Type(vt::kVoid), {date}),
+       "IThing.At gives When a default widl cannot store (12/30/1899, variant type 7)"},
+      {Function("Log", 1, Type(vt::kVoid), {Param("", Type(vt::kI4))}),
+       "IThing.Log has parameter 1 without a name, which widl cannot store"},
+      {Function("Face", 2, Imported(Type(vt::kUserDefined), {"", "{0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0}", "", {}, 3})),
+       "IThing.Face uses Imported__3, a type of another library that does not say which"},
+      {Function("Font", 2, font), "IThing.Font uses Font of stdole2.tlb, a name the library gives a type of its own"},
+  };
+  for (const auto& [member, message] : cases) {
+    platform::TlbLibrary lib = ThingLibrary({member});
+    lib.types.push_back(TypeInfo("Font", "interface"));
+    const rt::Result<std::string> idl = TypeLibIdl(lib);
+    EXPECT_EQ(idl.ok() ? "written" : idl.error().description, message);
+  }
+}
+
+// stdole's types come from stdole2.tlb whatever the library calls that file;
+// an unnamed type from elsewhere gets a name made of where it is.
+TEST(TypeLibIdl, ImportsEachTypeFromTheFileOfItsLibrary) {
+  const platform::TlbImport stdole{"STDOLE2.TLB", "{00020430-0000-0000-C000-000000000046}", "dispatch", {}, -1};
+  const platform::TlbImport other{"C:\\Shared\\Other.tlb", "{0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0}", {}, {}, 7};
+  const rt::Result<std::string> idl = TypeLibIdl(ThingLibrary({Function(
+      "Use", 1, Type(vt::kVoid), {Param("F", Imported(Type(0, "Font"), stdole)),
+                                  Param("O", Imported(Type(vt::kByRefFlag | vt::kUserDefined), other))})}));
+  ASSERT_TRUE(idl.ok()) << idl.error().description;
+  for (const char* text : {"importlib(\"stdole2.tlb\");\n    importlib(\"C:\\\\Shared\\\\Other.tlb\");",
+                           "\ndispinterface Font;", "\ntypedef [public] long Imported_C__Shared_Other_tlb_7;",
+                           "void Use([in] Font* F, [in, out] Imported_C__Shared_Other_tlb_7* O);"})
+    EXPECT_NE(idl->find(text), std::string::npos) << text << "\n" << *idl;
 }
 
 }  // namespace

@@ -32,6 +32,7 @@ enum SegmentId : int {
 };
 
 inline constexpr uint32_t kTypeInfoSize = 0x64;
+inline constexpr uint32_t kTypeDescEntrySize = 8;
 
 // What one library may decode in total. In a well-formed file every type info
 // has member records and interface entries of its own, so the totals stay
@@ -116,6 +117,12 @@ class MsftTypes {
 
   // A DataType field (inline VT or a descriptor offset) as a typeDescs index.
   int32_t TypeDesc(int32_t dataType);
+  // The typeDescs index of the stored descriptor at `offset` if it has been
+  // decoded, else -1.
+  int32_t Decoded(uint64_t offset) const {
+    if (offset % kTypeDescEntrySize != 0 || offset / kTypeDescEntrySize >= storedIndex_.size()) return -1;
+    return storedIndex_[offset / kTypeDescEntrySize];
+  }
   RawRef Ref(int32_t hrefType) const;
   platform::TlbValue Value(int32_t valueRef) const;
 

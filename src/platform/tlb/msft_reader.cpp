@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/tlb/msft_descriptor_details.h"
 #include "platform/tlb/msft_file.h"
 #include "platform/tlb/msft_members.h"
 
@@ -26,6 +27,7 @@ void ReadCoclassImpls(const MsftFile& file, const MsftTypes& types, int32_t firs
     const uint64_t entry = refs.Offset(at);
     msft::Budget::Spend(budget.interfaceEntries, 1, "interface lists");
     info.impls.push_back(RawImpl{types.Ref(refs.I32(entry)), refs.I32(entry + 4)});
+    msft::AddImportOrigin(file, refs.I32(entry), info.impls.back().ref);
     at = refs.I32(entry + 12);
   }
 }
@@ -54,7 +56,10 @@ RawTypeInfo ReadTypeInfo(const MsftFile& file, MsftTypes& types, uint32_t index,
       break;
     case TypeKind::kInterface:
     case TypeKind::kDispatch:
-      if (related != -1) info.impls.push_back(RawImpl{types.Ref(related), 0});
+      if (related != -1) {
+        info.impls.push_back(RawImpl{types.Ref(related), 0});
+        msft::AddImportOrigin(file, related, info.impls.back().ref);
+      }
       break;
     case TypeKind::kAlias: info.aliasType = types.TypeDesc(related); break;
     default: break;
@@ -79,6 +84,7 @@ RawLibrary Decode(std::span<const uint8_t> bytes) {
   for (uint32_t i = 0; i < file.typeInfoCount(); ++i) {
     library.types.push_back(ReadTypeInfo(file, types, i, budget));
   }
+  msft::AddDescriptorDetails(file, types, library);
   return library;
 }
 

@@ -48,6 +48,32 @@ std::string ImportedLibraryGuid(std::string_view import) {
   return "{" + rt::UCase(import.substr(kImportPrefix.size(), kGuidDigits)) + "}";
 }
 
+// The path field of "*\G{guid}#maj.min#lcid#path#"; empty when it is missing.
+std::string ImportedLibraryPath(std::string_view import) {
+  for (int field = 0; field < 3; ++field) {
+    const size_t hash = import.find('#');
+    if (hash == std::string_view::npos) return {};
+    import.remove_prefix(hash + 1);
+  }
+  return rt::Cp1252ToUtf8(import.substr(0, import.find('#')));
+}
+
+// A fixed array's bounds are a 32-bit SAFEARRAY: u16 dimension count, 14
+// bytes of no use to a reader, then per dimension u32 element count and lower
+// bound. Bounds that do not fit are left out: the model does without them.
+constexpr uint64_t kSafeArrayHeadSize = 16;
+constexpr uint64_t kSafeArrayBoundSize = 8;
+
+std::vector<uint32_t> ArrayBounds(const Region& members, uint16_t offset) {
+  if (!members.Has(offset, kSafeArrayHeadSize)) return {};
+  const uint16_t dimensions = members.U16(offset);
+  const uint64_t first = offset + kSafeArrayHeadSize;
+  if (!members.Has(first, dimensions * kSafeArrayBoundSize)) return {};
+  std::vector<uint32_t> bounds(dimensions);
+  for (uint16_t i = 0; i < dimensions; ++i) bounds[i] = members.U32(first + i * kSafeArrayBoundSize);
+  return bounds;
+}
+
 int64_t Integer(uint16_t type, uint32_t raw) {
   switch (type) {
     case vt::kI1: return static_cast<int8_t>(raw);
@@ -90,8 +116,12 @@ RawRef RefTable::Decode(SltgFile& file, std::string_view text) const {
     return ref;
   }
   if (*library > 0xFFFF) Fail("the reference " + Quote(text) + " names no library");
-  const std::string libraryGuid = ImportedLibraryGuid(file.NameText(static_cast<uint16_t>(*library)));
+  const std::string_view import = file.NameText(static_cast<uint16_t>(*library));
+  const std::string libraryGuid = ImportedLibraryGuid(import);
   ref.kind = RawRef::Kind::kImported;
+  ref.importedIndex = static_cast<int32_t>(*type);
+  ref.importedLibrary = ImportedLibraryPath(import);
+  ref.importedLibraryGuid = libraryGuid;
   if (const StdoleType* known = FindStdoleType(libraryGuid, {}, static_cast<int32_t>(*type))) {
     ref.importedName = known->name;
     ref.importedKind = known->kind;
@@ -129,11 +159,12 @@ TypeDecoder::Decoded TypeDecoder::DecodeAt(const Region& members, uint64_t offse
     decoded.index = Add(RawTypeDesc{code, -1, refs.Get(members.U16(offset + 2) / 4u)});
     decoded.end += 2;
   } else if (code == vt::kPtr || code == vt::kSafeArray || code == vt::kCArray) {
-    // CARRAY's bounds come first; only the element type is kept.
-    if (code == vt::kCArray) members.U16(decoded.end);
+    // CARRAY's bounds come first.
+    std::vector<uint32_t> bounds;
+    if (code == vt::kCArray) bounds = ArrayBounds(members, members.U16(decoded.end));
     const Decoded element =
         DecodeAt(members, code == vt::kCArray ? decoded.end + 2 : decoded.end, refs, level + 1);
-    decoded.index = Add(RawTypeDesc{code, element.index, {}});
+    decoded.index = Add(RawTypeDesc{code, element.index, {}, std::move(bounds)});
     decoded.end = element.end;
     decoded.depth = element.depth + 1;
   } else {

@@ -29,7 +29,7 @@ class RefTable {
 };
 
 // A type is a run of u16 words. Each word's low 6 bits are a VT; PTR and
-// SAFEARRAY go on with the next word, CARRAY skips the offset of its bounds
+// SAFEARRAY go on with the next word, CARRAY with the offset of its bounds
 // first, USERDEFINED is followed by four times its reference's position.
 // The bits 0xE00 together add one pointer level to any word. Only the first
 // word's high bits mean more: they are the parameter's direction and flags.

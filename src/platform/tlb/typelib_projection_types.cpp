@@ -1,5 +1,7 @@
 #include "platform/tlb/typelib_projection_types.h"
 
+#include <memory>
+
 #include "platform/tlb/typelib_stdole.h"
 
 namespace sentrune::portable {
@@ -15,6 +17,26 @@ const TlbType kUnresolved{vt::kUserDefined, {}};
 
 bool IsObjectKind(TypeKind kind) {
   return kind == TypeKind::kInterface || kind == TypeKind::kDispatch || kind == TypeKind::kCoclass;
+}
+
+// The type `ref` imports, named `name` (code 29 when that is empty), with
+// where it comes from: the stdole type it is or stands for when `known`.
+TlbType Imported(const RawRef& ref, const StdoleType* known, std::string_view name) {
+  auto origin = std::make_shared<platform::TlbImport>();
+  origin->library = ref.importedLibrary;
+  origin->libraryGuid = ref.importedLibraryGuid;
+  if (known != nullptr) {
+    origin->kind = KindWord(known->kind);
+    origin->guid = known->guid;
+    origin->index = known->guid.empty() ? known->index : -1;
+  } else {
+    if (ref.importedKind) origin->kind = KindWord(*ref.importedKind);
+    origin->guid = ref.importedGuid;
+    origin->index = ref.importedIndex;
+  }
+  TlbType type = name.empty() ? kUnresolved : TlbType{vt::kEmpty, std::string(name)};
+  type.imported = std::move(origin);
+  return type;
 }
 
 }  // namespace
@@ -43,6 +65,7 @@ TlbType TypeProjection::Walk(int32_t desc, int depth) const {
     case vt::kCArray: {
       TlbType element = Walk(node->element, depth + 1);
       element.code |= vt::kArrayFlag;
+      if (node->vt == vt::kCArray) element.bounds = node->bounds;
       return element;
     }
     case vt::kUserDefined: return UserType(node->ref, depth + 1);
@@ -59,14 +82,16 @@ TlbType TypeProjection::UserType(const RawRef& ref, int depth) const {
     if (type.kind == TypeKind::kAlias) return Walk(type.aliasType, depth + 1);
     return TlbType{vt::kEmpty, type.name};
   }
-  if (ref.kind != RawRef::Kind::kImported || ref.importedName.empty()) return kUnresolved;
+  if (ref.kind != RawRef::Kind::kImported) return kUnresolved;
+  // A type of a library other than stdole has no name here, but it is known
+  // where it comes from.
   if (ref.importedKind == TypeKind::kAlias) {
     const StdoleType* alias = FindStdoleAlias(ref.importedName);
-    if (alias == nullptr) return kUnresolved;
+    if (alias == nullptr) return Imported(ref, nullptr, {});
     if (alias->aliasVt != vt::kUserDefined) return TlbType{alias->aliasVt, {}};
-    return TlbType{vt::kEmpty, std::string(alias->aliasTarget)};
+    return Imported(ref, FindStdoleNamed(alias->aliasTarget), alias->aliasTarget);
   }
-  return TlbType{vt::kEmpty, ref.importedName};
+  return Imported(ref, FindStdoleNamed(ref.importedName), ref.importedName);
 }
 
 // Whether a pointer to this descriptor is an object reference: it names an

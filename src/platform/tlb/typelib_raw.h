@@ -22,6 +22,12 @@ enum class TypeKind : uint8_t {
   kCoclass = 5, kAlias = 6, kUnion = 7,
 };
 
+// The word platform::TlbTypeInfo::kind uses for a kind.
+constexpr const char* KindWord(TypeKind kind) {
+  constexpr const char* kWords[] = {"enum", "record", "module", "interface", "dispatch", "coclass", "alias", "union"};
+  return kWords[static_cast<size_t>(kind) % 8];
+}
+
 // A reference to a type info: one of this library's, or one imported from
 // another library (whose file is never opened; its stored name is used).
 struct RawRef {
@@ -31,6 +37,9 @@ struct RawRef {
   std::string importedName; // kImported: the type's name as the file stores it
   std::optional<TypeKind> importedKind;  // kImported: when the file says
   std::string importedGuid;  // kImported: the type's GUID when known
+  int32_t importedIndex = -1;   // kImported: its position in its library, when the file says
+  std::string importedLibrary = {};  // kImported: the library's file as stored
+  std::string importedLibraryGuid = {};
 };
 
 // A type descriptor node. Pointers, SAFEARRAYs and fixed arrays point at
@@ -40,6 +49,7 @@ struct RawTypeDesc {
   uint16_t vt = platform::vt::kEmpty;
   int32_t element = -1;
   RawRef ref;
+  std::vector<uint32_t> bounds = {};  // a fixed array's element count per dimension
 };
 
 struct RawParam {

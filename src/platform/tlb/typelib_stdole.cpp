@@ -72,4 +72,11 @@ const StdoleType* FindStdoleAlias(std::string_view name) {
   return nullptr;
 }
 
+const StdoleType* FindStdoleNamed(std::string_view name) {
+  for (const StdoleType& type : kTypes) {
+    if (type.name == name) return &type;
+  }
+  return nullptr;
+}
+
 }  // namespace sentrune::portable

@@ -30,5 +30,7 @@ const StdoleType* FindStdoleType(std::string_view libraryGuid, std::string_view 
                                  int32_t index);
 // An alias of stdole by name; nullptr when there is none.
 const StdoleType* FindStdoleAlias(std::string_view name);
+// Any type of stdole by name; nullptr when there is none.
+const StdoleType* FindStdoleNamed(std::string_view name);
 
 }  // namespace sentrune::portable

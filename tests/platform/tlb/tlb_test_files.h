@@ -31,18 +31,23 @@ std::string Join(const Parts&... parts) {
   ((out << parts << '|'), ...);
   return out.str();
 }
-// "local 3", or an import's name, kind (-1 when unknown) and GUID.
+// "local 3", or an import's name, kind (-1 when unknown), GUID, position
+// and library (file and GUID).
 inline std::string Text(const portable::RawRef& r) {
   using Kind = portable::RawRef::Kind;
   if (r.kind != Kind::kImported) return r.kind == Kind::kLocal ? "local " + std::to_string(r.localIndex) : "none";
-  return Join("import " + r.importedName, r.importedKind ? static_cast<int>(*r.importedKind) : -1, r.importedGuid);
+  return Join("import " + r.importedName, r.importedKind ? static_cast<int>(*r.importedKind) : -1, r.importedGuid,
+              r.importedIndex, r.importedLibrary, r.importedLibraryGuid);
 }
-// A descriptor: its VT, then what it refers to in <> and its element in ().
+// A descriptor: its VT, then what it refers to in <>, a fixed array's
+// bounds in [] and its element in ().
 inline std::string Text(const portable::RawLibrary& raw, int32_t index) {
   if (index < 0 || static_cast<size_t>(index) >= raw.typeDescs.size()) return "-";
   const portable::RawTypeDesc& d = raw.typeDescs[static_cast<size_t>(index)];
+  std::string bounds;
+  for (const uint32_t count : d.bounds) bounds += (bounds.empty() ? "[" : ",") + std::to_string(count);
   return std::to_string(d.vt) + (d.ref.kind == portable::RawRef::Kind::kNone ? "" : "<" + Text(d.ref) + ">") +
-         (d.element < 0 ? "" : "(" + Text(raw, d.element) + ")");
+         (bounds.empty() ? "" : bounds + "]") + (d.element < 0 ? "" : "(" + Text(raw, d.element) + ")");
 }
 inline std::string Text(const std::optional<platform::TlbValue>& v) {
   return v ? std::to_string(v->vt) + ":" + Join(v->integer, v->real, v->text) : "";
