@@ -2,7 +2,7 @@
 
 #include "platform/win32/windows_api.h"
 
-#include "platform/win32/win32_text.h"
+#include "platform/win32/win32_env.h"
 
 namespace sentrune::addin {
 namespace {
@@ -18,22 +18,6 @@ void UnlockModule() { InterlockedDecrement(&gLocks); }
 
 bool ModuleInUse() { return InterlockedCompareExchange(&gLocks, 0, 0) != 0; }
 
-std::string ModulePath() {
-  // The module that holds this very function is the DLL.
-  HMODULE module = nullptr;
-  if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                          reinterpret_cast<LPCWSTR>(&ModulePath), &module))
-    return {};
-  std::wstring path(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-    if (length == 0) return {};
-    if (length < path.size()) {
-      path.resize(length);
-      return win32::StripLongPrefix(path);
-    }
-    path.resize(path.size() * 2);  // cut short: try a larger buffer
-  }
-}
+std::string ModulePath() { return win32::OwnModulePath(); }
 
 }  // namespace sentrune::addin

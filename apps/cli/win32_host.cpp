@@ -16,6 +16,7 @@
 #include "platform/win32/win32_registry.h"
 #include "platform/win32/win32_text.h"
 #include "platform/win32/win32_version_resources.h"
+#include "runtime/winpath.h"
 #include "seed_templates.h"
 
 namespace sentrune::cli {
@@ -30,20 +31,6 @@ std::string FullPath(const std::string& path) {
   const DWORD length = GetFullPathNameW(wide.c_str(), size, full.data(), nullptr);
   full.resize(length);
   return win32::Narrow(full);
-}
-
-// The folder of the running program, with its trailing "\".
-std::string ProgramFolder() {
-  std::wstring path(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (length < path.size()) {
-      path.resize(length);
-      break;
-    }
-    path.resize(path.size() * 2);
-  }
-  return win32::Narrow(path.substr(0, path.find_last_of(L'\\') + 1));
 }
 
 class Win32HostEnv : public HostEnv {
@@ -78,7 +65,7 @@ class Win32HostEnv : public HostEnv {
   // The templates ship in "share" beside the program; a build tree run in
   // place finds them where the sources are.
   void SeedTemplates() {
-    std::string share = ProgramFolder() + "share";
+    std::string share = rt::GetFolder(win32::OwnModulePath()) + "share";
     if (GetFileAttributesW(win32::Widen(share).c_str()) == INVALID_FILE_ATTRIBUTES) share = FullPath(SENTRUNE_SHARE_DIR);
     cli::SeedAddinFolder(env_.Files(), env_.ModuleFolder(), share);
   }

@@ -11,9 +11,6 @@
 
 namespace sentrune::win32 {
 
-namespace {
-
-// The full path of the module that holds this function.
 std::string OwnModulePath() {
   HMODULE module = nullptr;
   if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
@@ -30,8 +27,6 @@ std::string OwnModulePath() {
     path.resize(path.size() * 2);  // cut short: try a larger buffer
   }
 }
-
-}  // namespace
 
 Win32Env::Win32Env(Win32EnvOptions options)
     : moduleFolder_(std::move(options.moduleFolder)), moduleName_(std::move(options.moduleName)) {

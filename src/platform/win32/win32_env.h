@@ -12,6 +12,10 @@
 
 namespace sentrune::win32 {
 
+// The full path of the module (DLL or program) this code is linked into;
+// empty when the system cannot say.
+std::string OwnModulePath();
+
 struct Win32EnvOptions {
   // The add-in's folder and module name; empty: those of the module (DLL or
   // program) this code is linked into, so that an add-in DLL loaded by the
