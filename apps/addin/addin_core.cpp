@@ -2,6 +2,7 @@
 
 #include "dialog_ui.h"
 #include "host/connect.h"
+#include "load_log.h"
 #include "platform/win32/typelib_source_system.h"
 #include "platform/win32/win32_env.h"
 #include "platform/win32/win32_profile.h"
@@ -25,10 +26,12 @@ struct AddinCore::Parts {
 };
 
 // What lives while the IDE has the add-in connected: the IDE's objects,
-// held through its VBE, and the timer, which goes first.
+// held through its VBE, the log the menu writes to, and the timer, which
+// goes first.
 struct AddinCore::Connection {
-  explicit Connection(IDispatch* ide) : vbe(ComPtr<IDispatch>(ide)) {}
+  Connection(IDispatch* ide, AddinState& state) : vbe(ComPtr<IDispatch>(ide)), log(state) {}
   VbeApplication vbe;
+  LoadLog log;
   std::unique_ptr<MessageTimer> timer;
 };
 
@@ -46,9 +49,10 @@ void AddinCore::Connect(IDispatch* application) {
   if (connection_ && connection_->vbe.get() == application) return;
   Disconnect();
   if (application == nullptr) return;
-  connection_ = std::make_unique<Connection>(application);
+  connection_ = std::make_unique<Connection>(application, parts_->state);
+  parts_->ui.SetOwner(connection_->vbe.MainWindowHandle());
   sentrune::Connect& connect = parts_->connect;
-  connect.SetMenu(std::make_unique<AddinMenuModel>(IdeMenuActions()));
+  connect.SetMenu(std::make_unique<AddinMenuModel>(Logged(IdeMenuActions(), connection_->log)));
   connect.AddinInstance_OnConnection(connection_->vbe);
   const frmAddinMain* form = connect.mainForm();
   if (form != nullptr && form->tmrActiveWindow.Interval > 0) {
@@ -69,6 +73,7 @@ void AddinCore::Disconnect() {
   const std::unique_ptr<Connection> connection = std::move(connection_);
   connection->timer.reset();
   parts_->connect.AddinInstance_OnDisconnection();
+  parts_->ui.SetOwner(nullptr);
 }
 
 }  // namespace sentrune::addin

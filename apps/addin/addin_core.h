@@ -19,7 +19,9 @@ class AddinCore {
   AddinCore& operator=(const AddinCore&) = delete;
 
   // The IDE's VBE object, held (AddRef'd) until Disconnect: the core is
-  // connected to it with its menu, and the main form's timer starts.
+  // connected to it with its menu, whose commands go to this load's log,
+  // the IDE's main window owns the message boxes, and the main form's
+  // timer starts.
   void Connect(IDispatch* application);
   // Stops the timer, runs AddinInstance_OnDisconnection (which removes the
   // menu and ends the subscriptions), then releases every IDE object.

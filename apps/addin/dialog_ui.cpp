@@ -12,18 +12,6 @@ namespace {
 using win32::Narrow;
 using win32::Widen;
 
-HWND Owner() {
-  HWND window = GetForegroundWindow();
-  DWORD process = 0;
-  if (window != nullptr) GetWindowThreadProcessId(window, &process);
-  return process == GetCurrentProcessId() ? window : nullptr;
-}
-
-// The run time's message box styles and answers are the system's own.
-int ShowMessage(const std::string& prompt, int style, const std::string& title) {
-  return MessageBoxW(Owner(), Widen(prompt).c_str(), Widen(title).c_str(), static_cast<UINT>(style));
-}
-
 // "Text files|*.txt|All|*.*" as the common dialog wants it: NUL-separated,
 // ending in two NULs.
 std::wstring DialogFilter(const std::string& filter) {
@@ -34,13 +22,26 @@ std::wstring DialogFilter(const std::string& filter) {
   return wide + std::wstring(2, L'\0');
 }
 
-std::optional<std::string> PickFile(const std::string& title, const std::string& filter, bool save) {
+// Opens the folder browser on the start folder.
+int CALLBACK SelectStart(HWND window, UINT message, LPARAM, LPARAM start) {
+  if (message == BFFM_INITIALIZED && start != 0) SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
+  return 0;
+}
+
+}  // namespace
+
+// The run time's message box styles and answers are the system's own.
+int DialogUi::ShowMessage(const std::string& prompt, int style, const std::string& title) {
+  return MessageBoxW(owner_, Widen(prompt).c_str(), Widen(title).c_str(), static_cast<UINT>(style));
+}
+
+std::optional<std::string> DialogUi::PickFile(const std::string& title, const std::string& filter, bool save) {
   const std::wstring wideTitle = Widen(title);
   const std::wstring wideFilter = DialogFilter(filter);
   std::wstring path(32768, L'\0');
   OPENFILENAMEW dialog{};
   dialog.lStructSize = sizeof dialog;
-  dialog.hwndOwner = Owner();
+  dialog.hwndOwner = owner_;
   dialog.lpstrFilter = filter.empty() ? nullptr : wideFilter.c_str();
   dialog.lpstrFile = path.data();
   dialog.nMaxFile = static_cast<DWORD>(path.size());
@@ -50,14 +51,6 @@ std::optional<std::string> PickFile(const std::string& title, const std::string&
   if (!(save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))) return std::nullopt;
   return Narrow(path.c_str());
 }
-
-// Opens the folder browser on the start folder.
-int CALLBACK SelectStart(HWND window, UINT message, LPARAM, LPARAM start) {
-  if (message == BFFM_INITIALIZED && start != 0) SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
-  return 0;
-}
-
-}  // namespace
 
 int DialogUi::MsgBox(const std::string& prompt, int style, const std::string& title) {
   return ShowMessage(prompt, style, title);
@@ -88,7 +81,7 @@ std::string DialogUi::BrowseForFolder(const std::string& title, const std::strin
   const std::wstring wideTitle = Widen(title);
   const std::wstring start = Widen(startFolder);
   BROWSEINFOW browse{};
-  browse.hwndOwner = Owner();
+  browse.hwndOwner = owner_;
   browse.lpszTitle = wideTitle.c_str();
   browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
   browse.lpfn = SelectStart;

@@ -15,6 +15,15 @@ ComPtr<IDispatch> EventsOf(const DispatchObject& vbe) {
 
 VbeApplication::VbeApplication(ComPtr<IDispatch> vbe) : vbe_(std::move(vbe), "VBE"), events_(EventsOf(vbe_)) {}
 
+HWND VbeApplication::MainWindowHandle() const {
+  const rt::Result<ComPtr<IDispatch>> window = vbe_.GetDispatch("MainWindow");
+  if (!window.ok() || !*window) return nullptr;
+  // HWnd is a Long on either Windows; a handle widens from it by sign, as
+  // LongToHandle does.
+  const rt::Result<int32_t> handle = DispatchObject(*window, "Window").GetLong("HWnd");
+  return handle.ok() ? static_cast<HWND>(LongToHandle(*handle)) : nullptr;
+}
+
 std::vector<platform::ProjectPtr> VbeApplication::VBProjects() {
   std::vector<platform::ProjectPtr> projects;
   const rt::Result<ComPtr<IDispatch>> collection = vbe_.GetDispatch("VBProjects");

@@ -1,6 +1,7 @@
 #pragma once
 // The IDE's root object as platform::VBE: its projects, the active project,
-// component and window, its command bars and its Events object.
+// component and window, its command bars and its Events object, and the
+// handle of its main window, which owns the add-in's windows.
 #include "platform/ide.h"
 #include "vbe_dispatch.h"
 #include "vbe_events.h"
@@ -29,6 +30,8 @@ class VbeApplication : public platform::VBE {
   platform::Events& Events() override { return events_; }
 
   IDispatch* get() const { return vbe_.get(); }
+  // MainWindow.HWnd; null when the IDE gives none.
+  HWND MainWindowHandle() const;
 
  private:
   DispatchObject vbe_;

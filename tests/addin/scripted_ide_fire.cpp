@@ -82,6 +82,17 @@ HRESULT FireProjectAdded(IdeState& state, IDispatch* project) {
   return Fire(state, kIidProjectsEvents, nullptr, 1, {Object(project)});
 }
 
+HRESULT FireProjectRemoved(IdeState& state, IDispatch* project) {
+  return Fire(state, kIidProjectsEvents, nullptr, 2, {Object(project)});
+}
+
+HRESULT FireProjectRenamed(IdeState& state, IDispatch* project, const std::wstring& oldName) {
+  BSTR name = SysAllocString(oldName.c_str());
+  const HRESULT answer = Fire(state, kIidProjectsEvents, nullptr, 3, {Object(project), Text(name)});
+  SysFreeString(name);
+  return answer;
+}
+
 bool FireRequestWriteFile(IdeState& state, IDispatch* project, const std::wstring& fileName) {
   BSTR name = SysAllocString(fileName.c_str());
   VARIANT_BOOL cancel = VARIANT_FALSE;

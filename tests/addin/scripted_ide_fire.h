@@ -20,6 +20,9 @@ size_t AdvisedSinks(const IdeState& state, const IID& iid, const void* target);
 
 // _dispVBProjectsEvents.ItemAdded, for a project opened after the add-in.
 HRESULT FireProjectAdded(IdeState& state, IDispatch* project);
+// ItemRemoved, raised while the project is still open; ItemRenamed after.
+HRESULT FireProjectRemoved(IdeState& state, IDispatch* project);
+HRESULT FireProjectRenamed(IdeState& state, IDispatch* project, const std::wstring& oldName);
 // _dispVBFileControlEvents: RequestWriteFile returns the Cancel flag left.
 bool FireRequestWriteFile(IdeState& state, IDispatch* project, const std::wstring& fileName);
 HRESULT FireAfterWriteFile(IdeState& state, IDispatch* project, LONG fileType, const std::wstring& fileName,

@@ -17,74 +17,13 @@
 
 #include "host/addin_menu.h"
 #include "platform/win32/win32_text.h"
-#include "scripted_ide_addin.h"
 #include "scripted_ide_command_bars.h"
 #include "scripted_ide_events.h"
 #include "scripted_ide_fire.h"
-#include "scripted_ide_vbe.h"
-#include "support/temp_folder.h"
+#include "scripted_ide_session.h"
 
 namespace sentrune::testing::ide {
 namespace {
-
-namespace fs = std::filesystem;
-
-// A session: the DLL copy in "addin\", the IDE, and COM in this thread's
-// single-threaded apartment, as the IDE's own.
-class Session : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
-    fs::create_directories(fs::path(folder_.path()) / "addin");
-    addin_ = std::make_unique<LoadedAddin>(fs::path(folder_.path()) / "addin");
-    ASSERT_EQ(addin_->Register(), S_OK);
-  }
-  void TearDown() override {
-    addin_.reset();
-    ide_.reset();
-    CoUninitialize();
-  }
-
-  // The IDE starts (unless the scenario started it), then the Add-In
-  // Manager loads the add-in.
-  void Start() {
-    if (!ide_) ide_ = std::make_unique<ScriptedIde>();
-    ASSERT_TRUE(addin_->Listed());
-    ASSERT_EQ(addin_->Create(), S_OK);
-    ASSERT_EQ(addin_->Connect(ide_->vbe()), S_OK);
-  }
-
-  // Everything the add-in was handed is given back, and it let go of every
-  // event it attached to.
-  void ExpectAllReleased() {
-    for (const SinkRecord& sink : ide_->state().sinks) EXPECT_EQ(sink.sink, nullptr) << "cookie " << sink.cookie;
-    EXPECT_EQ(ide_->vbe()->references(), 1);
-    EXPECT_EQ(LiveObjects(), 1) << "objects besides the VBE still held";
-  }
-
-  // Options as the add-in reads them, in Sentrune.ini beside the DLL copy.
-  void WriteOptions(const std::string& settings) { folder_.Write("addin/Sentrune.ini", "[Settings]\r\n" + settings); }
-  // The Widgets example in "Widgets\", with the options of `sentrune demo`:
-  // every step of an ActiveX DLL without asking, one backup of each kind,
-  // builds copied to "Release\".
-  void CopyWidgetsAskingNothing() {
-    fs::copy(fs::path(SENTRUNE_SOURCE_DIR) / "examples/Widgets", fs::path(folder_.path()) / "Widgets",
-             fs::copy_options::recursive);
-    // Not a first run, which would write the start values over these.
-    std::string settings = "Standard_EXE_CreateBackup=2\r\n";
-    for (const char* step : {"CreateBackup", "CompareCompsBefore", "ManageComp", "CompareCompsAfter",
-                             "UpdateCompatIfReqd", "CreateSnapshot", "CopyComponents", "BackupComponents"})
-      settings += std::string("ActiveX_DLL_") + step + "=1\r\n";
-    WriteOptions(settings + "ActiveX_DLL_ReleaseFolder=" + WindowsPath("Release") + "\\\r\nBackupFileCount=1\r\n");
-  }
-  std::string WindowsPath(const std::string& relative) const {
-    return win32::Narrow((fs::path(folder_.path()) / relative).make_preferred().wstring());
-  }
-
-  TempFolder folder_;
-  std::unique_ptr<LoadedAddin> addin_;
-  std::unique_ptr<ScriptedIde> ide_;
-};
 
 std::vector<std::wstring> Captions(const std::vector<std::shared_ptr<ControlRecord>>& controls) {
   std::vector<std::wstring> captions;
@@ -154,7 +93,25 @@ TEST_F(Session, FollowsProjectsAndDisconnectsLeavingNothingBehind) {
     const platform::ProjectPtr project = ide_->headless().FindProject(name);
     EXPECT_EQ(AdvisedSinks(ide_->state(), kIidFileControlEvents, project.get()), 1u) << name;
   }
+
+  // Renamed, Two's events are heard again under the new name; removed, One's
+  // are no longer.
+  const platform::ProjectPtr renamed = ide_->headless().FindProject("Two");
+  ASSERT_TRUE(ide_->headless().RenameProject(renamed, "Three").ok());
+  EXPECT_EQ(FireProjectRenamed(ide_->state(), two, L"Two"), S_OK);
+  EXPECT_EQ(AdvisedSinks(ide_->state(), kIidFileControlEvents, renamed.get()), 1u);
+  EXPECT_EQ(std::count_if(ide_->state().sinks.begin(), ide_->state().sinks.end(),
+                          [&](const SinkRecord& sink) { return sink.target == renamed.get(); }),
+            4)
+      << "file and component events, each advised again";
   two->Release();
+  const platform::ProjectPtr removed = ide_->headless().FindProject("One");
+  ScriptedObject* one = ide_->Project("One");
+  EXPECT_EQ(FireProjectRemoved(ide_->state(), one), S_OK);
+  one->Release();
+  ASSERT_TRUE(ide_->headless().Close(removed).ok());
+  EXPECT_EQ(AdvisedSinks(ide_->state(), kIidFileControlEvents, removed.get()), 0u);
+  EXPECT_EQ(AdvisedSinks(ide_->state(), kIidComponentsEvents, removed.get()), 0u);
   ASSERT_FALSE(ide_->AddInsControls().empty());
 
   EXPECT_EQ(addin_->Disconnect(), S_OK);

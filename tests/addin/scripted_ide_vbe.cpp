@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/win32/win32_text.h"
 #include "scripted_ide_command_bars.h"
 #include "scripted_ide_events.h"
 #include "scripted_ide_projects.h"
@@ -19,26 +20,35 @@ enum : DISPID {
   kEvents = 0x6F,
   kActiveVBProject = 0xC9,
   kSelectedVBComponent = 0xCA,
+  kActiveWindow = 0xCB,
   kMainWindow = 0xCC,
   kHWnd = 0x60020010,
 };
 
 const wchar_t kCaption[] = L"Microsoft Visual Basic [design]";
 
-class MainWindow : public ScriptedObject {
+// The main window, or a code window of the IDE, which has no handle of
+// its own here (HWnd 0).
+class Window : public ScriptedObject {
  public:
-  explicit MainWindow(HWND window) : ScriptedObject({{L"Caption", kName}, {L"HWnd", kHWnd}}, {}), window_(window) {}
+  Window(std::wstring caption, HWND window)
+      : ScriptedObject({{L"Caption", kName}, {L"HWnd", kHWnd}}, {}), caption_(std::move(caption)), window_(window) {}
 
  private:
   HRESULT Call(DISPID id, WORD, const Args&, VARIANT* result) override {
-    if (id == kName) return ReturnText(result, kCaption);
+    if (id == kName) return ReturnText(result, caption_.c_str());
     // A handle fits a Long on either Windows, as the IDE's HWnd is one.
     if (id == kHWnd) return ReturnLong(result, static_cast<LONG>(reinterpret_cast<LONG_PTR>(window_)));
     return DISP_E_MEMBERNOTFOUND;
   }
 
+  std::wstring caption_;
   HWND window_;
 };
+
+ScriptedObject* NewWindow(const std::shared_ptr<platform::Window>& window) {
+  return window ? new Window(win32::Widen(window->Caption()), nullptr) : nullptr;
+}
 
 class Vbe : public ScriptedObject {
  public:
@@ -50,6 +60,7 @@ class Vbe : public ScriptedObject {
                         {L"Events", kEvents},
                         {L"ActiveVBProject", kActiveVBProject},
                         {L"SelectedVBComponent", kSelectedVBComponent},
+                        {L"ActiveWindow", kActiveWindow},
                         {L"MainWindow", kMainWindow}},
                        {kIidVBE}),
         state_(std::move(state)),
@@ -65,7 +76,8 @@ class Vbe : public ScriptedObject {
       case kEvents: return ReturnObject(result, NewEvents(state_));
       case kActiveVBProject: return ReturnObject(result, NewProject(state_->projects->ActiveVBProject()));
       case kSelectedVBComponent: return ReturnObject(result, NewComponent(state_->projects->SelectedVBComponent()));
-      case kMainWindow: return ReturnObject(result, new MainWindow(window_));
+      case kActiveWindow: return ReturnObject(result, NewWindow(state_->projects->ActiveWindow()));
+      case kMainWindow: return ReturnObject(result, new Window(kCaption, window_));
       default: return DISP_E_MEMBERNOTFOUND;
     }
   }

@@ -6,11 +6,13 @@
 //
 // Wine without a display makes no windows: the main window is then null
 // (HWnd 0) and a message box fails at once instead of waiting for an
-// answer, which is why the scenarios set options that ask nothing.
+// answer. The tests run under a virtual display for that; the scenarios
+// that do not answer boxes still set options that ask nothing.
 //
 // Assumed where the notes are silent: VBE.Name is "Microsoft Visual Basic"
 // and Version "6.00"; MainWindow is a Window with HWnd (0x60020010, a Long)
-// and Caption (0).
+// and Caption (0); ActiveWindow (0xCB) is such a Window, for the headless
+// IDE's active window, with HWnd 0.
 #include <memory>
 #include <string>
 
