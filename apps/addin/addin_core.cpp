@@ -1,6 +1,7 @@
 #include "addin_core.h"
 
 #include "dialog_ui.h"
+#include "fault_trap.h"
 #include "host/connect.h"
 #include "load_log.h"
 #include "platform/win32/typelib_source_system.h"
@@ -50,6 +51,8 @@ void AddinCore::Connect(IDispatch* application) {
   Disconnect();
   if (application == nullptr) return;
   connection_ = std::make_unique<Connection>(application, parts_->state);
+  SetFaultReporter([&log = connection_->log](const Fault& fault) { log.NoteFault(fault); });
+  parts_->connect.BuildEnded = [&log = connection_->log](const BuildEnd& build) { log.NoteBuild(build); };
   parts_->ui.SetOwner(connection_->vbe.MainWindowHandle());
   sentrune::Connect& connect = parts_->connect;
   connect.SetMenu(std::make_unique<AddinMenuModel>(Logged(IdeMenuActions(), connection_->log)));
@@ -74,6 +77,8 @@ void AddinCore::Disconnect() {
   connection->timer.reset();
   parts_->connect.AddinInstance_OnDisconnection();
   parts_->ui.SetOwner(nullptr);
+  SetFaultReporter(nullptr);
+  parts_->connect.BuildEnded = nullptr;
 }
 
 }  // namespace sentrune::addin

@@ -3,6 +3,7 @@
 #include "platform/win32/windows_api.h"
 #include <shlobj.h>
 
+#include "com_guard.h"
 #include "platform/console/console_ui.h"
 #include "platform/win32/win32_text.h"
 
@@ -24,7 +25,10 @@ std::wstring DialogFilter(const std::string& filter) {
 
 // Opens the folder browser on the start folder.
 int CALLBACK SelectStart(HWND window, UINT message, LPARAM, LPARAM start) {
-  if (message == BFFM_INITIALIZED && start != 0) SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
+  (void)Trap([&] {
+    if (message == BFFM_INITIALIZED && start != 0) SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
+    return S_OK;
+  });
   return 0;
 }
 

@@ -1,8 +1,10 @@
 #include "load_log.h"
 
+#include <cstdio>
 #include <utility>
 
 #include "runtime/vb_format.h"
+#include "workflow/build_report_text.h"
 
 namespace sentrune::addin {
 namespace {
@@ -22,6 +24,24 @@ LoadLog::~LoadLog() { writer_.CloseLog(); }
 void LoadLog::Note(const std::string& what) {
   if (!writer_.LogInitialized()) return;
   writer_.WriteLogEntries(std::vector<std::string>{rt::Format(state_.env().Time().Now(), "hh:nn:ss"), what});
+}
+
+void LoadLog::NoteBuild(const BuildEnd& build) {
+  if (build.result != 0) {
+    Note("Build of " + build.project + ": " + build.fileName + " was not written (the IDE's result " +
+         std::to_string(build.result) + "); nothing was done after it.");
+    return;
+  }
+  Note("Build of " + build.project + ": " + build.fileName);
+  for (const std::string& line : DescribeBuild(build.report)) Note("  " + line);
+}
+
+void LoadLog::NoteFault(const Fault& fault) {
+  char where[64];
+  std::snprintf(where, sizeof where, "exception 0x%08lX at Sentrune.dll+0x%llX", static_cast<unsigned long>(fault.code),
+                static_cast<unsigned long long>(fault.offset));
+  Note(std::string("The add-in stopped a fault in its own code (") + where +
+       ") before it reached the IDE, and carried on. Save your work; if the add-in misbehaves, restart the IDE.");
 }
 
 MenuActions Logged(MenuActions actions, LoadLog& log) {

@@ -1,6 +1,6 @@
 #pragma once
 // A project over the IDE's VBProject object, with its References and
-// VBComponents collections.
+// VBComponents collections. Its identity is its COM identity.
 #include "platform/ide.h"
 #include "vbe_dispatch.h"
 
@@ -13,6 +13,7 @@ class VbeProject : public platform::VBProject {
   std::string Name() const override { return project_.GetText("Name").value_or(""); }
   int Type() const override { return project_.GetLong("Type").value_or(0); }
   std::string FileName() const override { return project_.GetText("FileName").value_or(""); }
+  uintptr_t Identity() const override { return project_.Identity(); }
   std::string BuildFileName() const override { return project_.GetText("BuildFileName").value_or(""); }
   std::string CompatibleOleServer() const override {
     return project_.GetText("CompatibleOleServer").value_or("");

@@ -1,5 +1,7 @@
 #include "vbe_timer.h"
 
+#include "com_guard.h"
+
 namespace sentrune::addin {
 namespace {
 
@@ -42,13 +44,11 @@ MessageTimer::~MessageTimer() {
 LRESULT CALLBACK MessageTimer::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_TIMER && wParam == kTimerId) {
     auto* timer = reinterpret_cast<MessageTimer*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (timer != nullptr && timer->tick_) {
-      try {
+    // Nothing may unwind into the IDE's message loop.
+    if (timer != nullptr && timer->tick_) (void)Trap([timer] {
         timer->tick_();
-      } catch (...) {
-        // Nothing may unwind into the IDE's message loop.
-      }
-    }
+        return S_OK;
+      });
     return 0;
   }
   return DefWindowProcW(window, message, wParam, lParam);

@@ -6,7 +6,7 @@
 #include "host_platform.h"
 #include "platform/headless/headless_ide.h"
 #include "session.h"
-#include "workflow/build_report.h"
+#include "workflow/build_report_text.h"
 
 namespace sentrune::cli {
 namespace {
@@ -46,18 +46,7 @@ int16_t WriteComponent(Session& session, const BuildArgs& args, const std::strin
 }
 
 void PrintReport(std::ostream& out, const BuildReport& report) {
-  for (const BuildReport::Copy& backup : report.backups) out << "  " << backup.what << ": " << backup.path << '\n';
-  if (report.differencesBefore) out << "  differences before the build: " << *report.differencesBefore << '\n';
-  if (!report.modelSetUp.empty()) out << "  compatibility model set up: " << report.modelSetUp << '\n';
-  if (report.differencesAfter) out << "  differences after the build: " << *report.differencesAfter << '\n';
-  if (!report.modelUpdated.empty()) out << "  compatibility model updated: " << report.modelUpdated << '\n';
-  if (report.historyRecorded) out << "  build recorded in the project's history\n";
-  if (!report.snapshotFolder.empty()) out << "  snapshot: " << report.snapshotFolder << '\n';
-  for (const BuildReport::OutsideFile& file : report.snapshotOutside)
-    out << "  snapshot placed a file from outside the project: " << file.source << " -> " << file.destination << '\n';
-  if (!report.releaseCopy.empty()) out << "  release copy: " << report.releaseCopy << '\n';
-  if (const BuildReport::Step* last = report.EndedBy(); last && last->code != 0)
-    out << "  stopped: " << last->procedure << " returned " << last->code << '\n';
+  for (const std::string& line : DescribeBuild(report)) out << "  " << line << '\n';
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ void Connect::AddinInstance_OnConnection(platform::VBE& application) {
     tracker_ = std::make_unique<ActivityTracker>(state_, options_->options(), application);
     mainForm_ = std::make_unique<frmAddinMain>();
     services_ = std::make_unique<WorkflowServices>(
-        WorkflowServices{state_, *options_, application, *tracker_, *mainForm_});
+        WorkflowServices{state_, *options_, application, *tracker_, *mainForm_, BuildEnded});
   } catch (const std::exception& failure) {
     state_.err.Raise(rt::errnum::kInvalidProcedureCall, "Connect", failure.what());
     lfncMsgBoxEX(state_, "Error " + std::to_string(state_.err.number()) + "\r\n" + state_.err.description(),

@@ -63,6 +63,8 @@ class Connect {
   // details dialog's diagnostics view opened when ShowDiagnostics is on.
   void SetMenu(std::unique_ptr<AddinMenu> menu) { menu_ = std::move(menu); }
   std::function<void(Connect&)> ShowDiagnostics;
+  // Hears of each build's end with what the add-in did around it.
+  std::function<void(const BuildEnd&)> BuildEnded;
 
   AddinState& state() const { return state_; }
   // Null while not connected.

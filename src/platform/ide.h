@@ -122,6 +122,9 @@ class VBProject {
   virtual int Type() const = 0;
   // The project file's full Windows path; empty for a project never saved.
   virtual std::string FileName() const = 0;
+  // As a component's identity: the same project gives the same one for as
+  // long as it is open, whichever object represents it.
+  virtual uintptr_t Identity() const = 0;
   // Full Windows path of the component a build writes, resolved the way the
   // IDE resolves it (".." taken out).
   virtual std::string BuildFileName() const = 0;

@@ -52,7 +52,7 @@ void ActivityTracker::ProjectManager(const platform::ProjectPtr& project) {
     activeProject_.reset();
     return;
   }
-  if (project == activeProject_) {
+  if (activeProject_ && activeProject_->Identity() == project->Identity()) {
     if (GetJetClass().CurrentDBObject() == nullptr)
       state_.trace({"'modTimerFunctions:ProjectManager - JetClass.CurrentDBObject Was Nothing"});
     return;

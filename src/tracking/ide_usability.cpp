@@ -3,8 +3,9 @@
 namespace sentrune {
 
 bool OpenProjectsUsability::Usable(const platform::VBProject& project) {
+  const uintptr_t identity = project.Identity();
   for (const platform::ProjectPtr& open : ide_.VBProjects())
-    if (open.get() == &project) return true;
+    if (open->Identity() == identity) return true;
   return false;
 }
 

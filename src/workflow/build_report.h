@@ -42,4 +42,13 @@ struct BuildReport {
   const Step* EndedBy() const { return steps.empty() ? nullptr : &steps.back(); }
 };
 
+// A build of a component as the host hears of it once the add-in's steps
+// after it are over.
+struct BuildEnd {
+  std::string project;
+  std::string fileName;  // the component the IDE wrote
+  int16_t result = 0;    // the IDE's: 0 when the component was written
+  BuildReport report;
+};
+
 }  // namespace sentrune

@@ -213,7 +213,13 @@ void clsProject::FileCTLEvents_AfterWriteFile(int fileType, const std::string& f
     lfncClearWorkspaceFileEX(step);
     return;
   }
-  if (fileType != platform::vbext_ft_Exe || result != 0) return;
+  if (fileType != platform::vbext_ft_Exe) return;
+  if (result == 0) RunStepsAfterBuild();
+  if (services_.buildEnded) services_.buildEnded(BuildEnd{name_, fileName, result, TakeBuildReport()});
+}
+
+void clsProject::RunStepsAfterBuild() {
+  AddinState& state = services_.state;
   StepContext step = MakeStepContext();
   int32_t lErrorCode = 0;
   if (project_->Type() != platform::vbext_pt_StandardExe) {

@@ -69,6 +69,8 @@ class clsProject {
 
   void TraceComponentEvent(const char* event, const platform::ComponentPtr& component);
   bool IsOwnBuildTarget(const std::string& fileName) const;
+  // The chain after a build that wrote its component.
+  void RunStepsAfterBuild();
 
   WorkflowServices& services_;
   platform::ProjectPtr project_;

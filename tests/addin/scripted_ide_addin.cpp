@@ -16,7 +16,9 @@ LoadedAddin::LoadedAddin(const fs::path& folder) : custom_(SafeArrayCreateVector
   wchar_t program[MAX_PATH];
   GetModuleFileNameW(nullptr, program, MAX_PATH);
   dll_ = (folder / "Sentrune.dll").make_preferred();
-  fs::copy_file(fs::path(program).parent_path() / "Sentrune.dll", dll_);
+  // Installed with the templates it adds to projects, as the build leaves it.
+  for (const char* file : {"Sentrune.dll", "VerifyClassTemplate.txt", "AlignmentHelper.ctl"})
+    fs::copy_file(fs::path(program).parent_path() / file, folder / file);
   // Held for the exports; COM's own load of the same file shares it.
   module_ = LoadLibraryW(dll_.c_str());
 }

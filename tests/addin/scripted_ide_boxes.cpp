@@ -39,6 +39,16 @@ BOOL CALLBACK FindPrompt(HWND child, LPARAM text) {
   return FALSE;
 }
 
+// The file name box of a common file dialog: cmb13 in the Explorer style,
+// edt1 in the old one.
+void SetFileBox(HWND dialog, const std::wstring& path) {
+  constexpr int kExplorerFileBox = 0x47C;
+  constexpr int kOldFileBox = 0x480;
+  HWND box = GetDlgItem(dialog, kExplorerFileBox);
+  if (box == nullptr) box = GetDlgItem(dialog, kOldFileBox);
+  if (box != nullptr) SetWindowTextW(box, path.c_str());
+}
+
 }  // namespace
 
 BoxAnswerer::BoxAnswerer() : thread_([this] { Watch(); }) {}
@@ -50,7 +60,12 @@ BoxAnswerer::~BoxAnswerer() {
 
 void BoxAnswerer::Answer(std::vector<int> buttons) {
   std::lock_guard lock(mutex_);
-  buttons_.insert(buttons_.end(), buttons.begin(), buttons.end());
+  for (int button : buttons) replies_.push_back({button, {}});
+}
+
+void BoxAnswerer::AnswerFile(const std::wstring& path) {
+  std::lock_guard lock(mutex_);
+  replies_.push_back({IDOK, path});
 }
 
 std::vector<SeenBox> BoxAnswerer::Take() {
@@ -70,15 +85,17 @@ void BoxAnswerer::Watch() {
 void BoxAnswerer::Press(HWND box) {
   SeenBox seen{TextOf(box), {}};
   EnumChildWindows(box, FindPrompt, reinterpret_cast<LPARAM>(&seen.text));
-  int button = GetDlgItem(box, IDCANCEL) != nullptr ? IDCANCEL : IDOK;
+  Reply reply{GetDlgItem(box, IDCANCEL) != nullptr ? IDCANCEL : IDOK, {}};
   {
     std::lock_guard lock(mutex_);
-    if (!buttons_.empty()) {
-      button = buttons_.front();
-      buttons_.pop_front();
+    if (!replies_.empty()) {
+      reply = std::move(replies_.front());
+      replies_.pop_front();
     }
     seen_.push_back(std::move(seen));
   }
+  const int button = reply.button;
+  if (!reply.fileName.empty()) SetFileBox(box, reply.fileName);
   SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
   // The same box is not answered twice: it is gone before the next look.
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);

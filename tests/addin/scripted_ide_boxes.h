@@ -1,7 +1,8 @@
 #pragma once
 // The developer in front of the scripted IDE: a thread of its own that
-// waits for each message box this process shows (a "#32770" dialog),
-// notes its title and text, and presses the button the scenario chose.
+// waits for each message box or file dialog this process shows (a "#32770"
+// dialog), notes its title and text, and presses the button the scenario
+// chose, or types the file the scenario chose and presses OK.
 // The box's own thread stays in the box's modal loop meanwhile, as the
 // IDE's does.
 #include "platform/win32/windows_api.h"
@@ -38,6 +39,8 @@ class BoxAnswerer {
   // The buttons (IDOK, IDYES, IDNO...) for the next boxes, in order; a box
   // with none left is answered IDCANCEL, or IDOK when it has no Cancel.
   void Answer(std::vector<int> buttons);
+  // The next box is a file dialog: this full path is typed in its file box.
+  void AnswerFile(const std::wstring& path);
   // The boxes answered so far, taken out.
   std::vector<SeenBox> Take();
 
@@ -47,7 +50,11 @@ class BoxAnswerer {
 
   std::atomic<bool> stop_{false};
   std::mutex mutex_;
-  std::deque<int> buttons_;
+  struct Reply {
+    int button;
+    std::wstring fileName;  // typed into a file dialog first, unless empty
+  };
+  std::deque<Reply> replies_;
   std::vector<SeenBox> seen_;
   std::thread thread_;
 };

@@ -93,6 +93,10 @@ HRESULT FireProjectRenamed(IdeState& state, IDispatch* project, const std::wstri
   return answer;
 }
 
+HRESULT FireComponentEvent(IdeState& state, IDispatch* project, DISPID id, IDispatch* component) {
+  return Fire(state, kIidComponentsEvents, TargetOf(project), id, {Object(component)});
+}
+
 bool FireRequestWriteFile(IdeState& state, IDispatch* project, const std::wstring& fileName) {
   BSTR name = SysAllocString(fileName.c_str());
   VARIANT_BOOL cancel = VARIANT_FALSE;

@@ -23,6 +23,9 @@ HRESULT FireProjectAdded(IdeState& state, IDispatch* project);
 // ItemRemoved, raised while the project is still open; ItemRenamed after.
 HRESULT FireProjectRemoved(IdeState& state, IDispatch* project);
 HRESULT FireProjectRenamed(IdeState& state, IDispatch* project, const std::wstring& oldName);
+// _dispVBComponentsEvents.ItemSelected (4) or ItemActivated (5), to the
+// sinks of the component's project.
+HRESULT FireComponentEvent(IdeState& state, IDispatch* project, DISPID id, IDispatch* component);
 // _dispVBFileControlEvents: RequestWriteFile returns the Cancel flag left.
 bool FireRequestWriteFile(IdeState& state, IDispatch* project, const std::wstring& fileName);
 HRESULT FireAfterWriteFile(IdeState& state, IDispatch* project, LONG fileType, const std::wstring& fileName,

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,11 @@ namespace {
 
 using Menu = Session;
 
+std::string Read(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
 size_t Snapshots(const fs::path& folder) {
   size_t count = 0;
   for (const auto& entry : fs::directory_iterator(folder)) {
@@ -27,9 +34,6 @@ size_t Snapshots(const fs::path& folder) {
   return count;
 }
 
-// Not clicked here: the Utilities items that add a class or a control, the
-// scripted IDE having no VBComponents.AddFile; "&Inspect Components" and
-// "Fix A&BS Paths", which ask for files through the common dialog.
 TEST_F(Menu, ItemsShowTheirBoxesAndDoTheirWork) {
   CopyWidgetsAskingNothing("ShowDiagnostics=0\r\n");
   ide_ = std::make_unique<ScriptedIde>();
@@ -75,6 +79,47 @@ TEST_F(Menu, ItemsShowTheirBoxesAndDoTheirWork) {
   ASSERT_EQ(boxes.size(), 1u) << Describe(boxes);
   EXPECT_EQ(boxes[0].title, L"About Sentrune");
   EXPECT_TRUE(boxes[0].text.starts_with(win32::Widen(std::string("Sentrune ") + SENTRUNE_VERSION))) << boxes[0].text;
+
+  EXPECT_EQ(addin_->Disconnect(), S_OK);
+  ExpectAllReleased();
+}
+
+TEST_F(Menu, FileItemsWorkOnTheChosenFilesAndUtilitiesAddToTheProject) {
+  CopyWidgetsAskingNothing("ShowDiagnostics=0\r\n");
+  ide_ = std::make_unique<ScriptedIde>();
+  ASSERT_TRUE(ide_->Open(WindowsPath("Widgets/Widgets.vbp")).ok());
+  ASSERT_NO_FATAL_FAILURE(Start());
+  std::vector<SeenBox> boxes = developer_.Take();
+  EXPECT_TRUE(boxes.empty()) << Describe(boxes);
+  const fs::path widgets = fs::path(folder_.path()) / "Widgets";
+
+  // Two builds chosen in turn are compared: 2.0 broke 1.0.
+  developer_.AnswerFile(fs::path(WindowsPath("Widgets/builds/Widgets-1.0.dll")).wstring());
+  developer_.AnswerFile(fs::path(WindowsPath("Widgets/builds/Widgets-2.0.dll")).wstring());
+  ASSERT_TRUE(Click(L"&Inspect Components"));
+  boxes = developer_.Take();
+  ASSERT_EQ(boxes.size(), 3u) << Describe(boxes);
+  EXPECT_NE(boxes[2].text.find(L"Differences"), std::wstring::npos) << Describe(boxes);
+
+  // The project names stdole2.tlb by its full path: made relative.
+  developer_.AnswerFile(fs::path(WindowsPath("Widgets/Widgets.vbp")).wstring());
+  ASSERT_TRUE(Click(L"Fix A&BS Paths"));
+  boxes = developer_.Take();
+  ASSERT_EQ(boxes.size(), 3u) << Describe(boxes);
+  EXPECT_EQ(boxes[1].title, L"Full paths report.");
+  EXPECT_EQ(boxes[2].text, L"File has changed. One or more absolute paths were found and fixed.");
+  EXPECT_EQ(Read(widgets / "Widgets.vbp").find("#C:\\"), std::string::npos);
+
+  ASSERT_TRUE(Click(L"&Add AlignmentHelper"));
+  ASSERT_TRUE(Click(L"Add/&Refresh cVerifyInstallation"));
+  boxes = developer_.Take();
+  ASSERT_GE(boxes.size(), 2u) << Describe(boxes);
+  EXPECT_EQ(boxes.front().text, L"UserControl has been added.") << Describe(boxes);
+  EXPECT_EQ(boxes.back().text, L"Class module has been added/refreshed.") << Describe(boxes);
+  const std::string vbp = Read(widgets / "Widgets.vbp");
+  EXPECT_NE(vbp.find("UserControl=AlignmentHelper.ctl"), std::string::npos) << vbp;
+  EXPECT_NE(vbp.find("Class=cVerifyInstallation; cVerifyInstallation.cls"), std::string::npos) << vbp;
+  EXPECT_TRUE(fs::exists(widgets / "AlignmentHelper.ctl"));
 
   EXPECT_EQ(addin_->Disconnect(), S_OK);
   ExpectAllReleased();

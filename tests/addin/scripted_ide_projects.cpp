@@ -1,5 +1,6 @@
 #include "scripted_ide_projects.h"
 
+#include <map>
 #include <utility>
 
 #include "platform/win32/win32_text.h"
@@ -19,6 +20,7 @@ enum : DISPID {
   kType = 0x81,
   kVBComponents = 0x87,
   kBuildFileName = 0x88,
+  kSaveAs = 0x89,
   kComponentName = 0x30,
   kComponentType = 0x31,
 };
@@ -29,6 +31,27 @@ const Member kReferenceMembers[] = {{L"Name", 0x60020000},     {L"Guid", 0x60020
                                     {L"Description", 0x60020006}, {L"Type", 0x60020007}};
 
 HRESULT Failed() { return DISP_E_EXCEPTION; }
+
+// The IDE hands out one object per project and per component, so that the
+// add-in can tell them apart by COM identity. Here that object lives while
+// someone holds it, which is all such a comparison can see.
+std::map<const void*, ScriptedObject*>& Held() {
+  static std::map<const void*, ScriptedObject*> held;
+  return held;
+}
+
+template <typename View, typename Item>
+ScriptedObject* ViewOf(Item item) {
+  if (!item) return nullptr;
+  const auto found = Held().find(item.get());
+  if (found != Held().end()) {
+    found->second->AddRef();
+    return found->second;
+  }
+  auto* view = new View(std::move(item));
+  Held()[view->Target()] = view;
+  return view;
+}
 
 class Reference : public ScriptedObject {
  public:
@@ -68,6 +91,7 @@ class Component : public ScriptedObject {
  public:
   explicit Component(platform::ComponentPtr component)
       : ScriptedObject({{L"Name", kComponentName}, {L"Type", kComponentType}}, {}), component_(std::move(component)) {}
+  ~Component() override { Held().erase(Target()); }
   const void* Target() const override { return component_.get(); }
 
  private:
@@ -87,10 +111,38 @@ std::vector<std::wstring> Names(const std::vector<Item>& items, NameOf nameOf) {
   return names;
 }
 
+// VBComponents, with AddFile (0x16) and Remove (0xB) as the notes number them.
+class Components : public Collection {
+ public:
+  Components(platform::ProjectPtr project, std::vector<platform::ComponentPtr> items)
+      : Collection({0, 0xA}, Names(items, [](const platform::VBComponent& c) { return c.Name(); }),
+                   [items](size_t i) { return NewComponent(items[i]); }, {{L"AddFile", 0x16}, {L"Remove", 0xB}}),
+        project_(std::move(project)) {}
+
+ private:
+  HRESULT CallMore(DISPID id, WORD, const Args& args, VARIANT* result) override {
+    if (id == 0x16) {
+      const std::optional<std::wstring> path = args.empty() ? std::nullopt : TextArg(args, 0);
+      if (!path) return DISP_E_TYPEMISMATCH;
+      const auto added = project_->AddComponentFromFile(Narrow(*path));
+      return added.ok() ? ReturnObject(result, NewComponent(*added)) : Failed();
+    }
+    if (id == 0xB) {
+      const ScriptedObject* target = args.empty() ? nullptr : ObjectArg(args, 0);
+      for (const platform::ComponentPtr& component : project_->VBComponents()) {
+        if (target != nullptr && component.get() == target->Target())
+          return project_->RemoveComponent(*component).ok() ? S_OK : Failed();
+      }
+      return DISP_E_TYPEMISMATCH;
+    }
+    return DISP_E_MEMBERNOTFOUND;
+  }
+
+  platform::ProjectPtr project_;
+};
+
 ScriptedObject* NewComponents(const platform::ProjectPtr& project) {
-  auto items = project->VBComponents();
-  auto names = Names(items, [](const platform::VBComponent& c) { return c.Name(); });
-  return new Collection({0, 0xA}, std::move(names), [items](size_t i) { return NewComponent(items[i]); });
+  return new Components(project, project->VBComponents());
 }
 
 ScriptedObject* NewReferences(const platform::ProjectPtr& project) {
@@ -108,9 +160,11 @@ class Project : public ScriptedObject {
                         {L"CompatibleOleServer", kCompatibleOleServer},
                         {L"Type", kType},
                         {L"VBComponents", kVBComponents},
-                        {L"BuildFileName", kBuildFileName}},
+                        {L"BuildFileName", kBuildFileName},
+                        {L"SaveAs", kSaveAs}},
                        {kIidVBProject}),
         project_(std::move(project)) {}
+  ~Project() override { Held().erase(Target()); }
   const void* Target() const override { return project_.get(); }
 
  private:
@@ -122,6 +176,11 @@ class Project : public ScriptedObject {
       case kBuildFileName: return ReturnText(result, Widen(project_->BuildFileName()));
       case kVBComponents: return ReturnObject(result, NewComponents(project_));
       case kReferences: return ReturnObject(result, NewReferences(project_));
+      case kSaveAs: {
+        const std::optional<std::wstring> path = args.empty() ? std::nullopt : TextArg(args, 0);
+        if (!path) return DISP_E_TYPEMISMATCH;
+        return project_->SaveAs(Narrow(*path)).ok() ? S_OK : Failed();
+      }
       case kCompatibleOleServer: {
         if (!IsPut(flags)) return ReturnText(result, Widen(project_->CompatibleOleServer()));
         const std::optional<std::wstring> path = args.empty() ? std::nullopt : TextArg(args, args.size() - 1);
@@ -144,12 +203,8 @@ ScriptedObject* NewProjects(std::shared_ptr<IdeState> state) {
                         [items](size_t i) { return NewProject(items[i]); });
 }
 
-ScriptedObject* NewProject(platform::ProjectPtr project) {
-  return project ? new Project(std::move(project)) : nullptr;
-}
+ScriptedObject* NewProject(platform::ProjectPtr project) { return ViewOf<Project>(std::move(project)); }
 
-ScriptedObject* NewComponent(platform::ComponentPtr component) {
-  return component ? new Component(std::move(component)) : nullptr;
-}
+ScriptedObject* NewComponent(platform::ComponentPtr component) { return ViewOf<Component>(std::move(component)); }
 
 }  // namespace sentrune::testing::ide

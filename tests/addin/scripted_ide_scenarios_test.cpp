@@ -6,11 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +23,7 @@
 #include "scripted_ide_command_bars.h"
 #include "scripted_ide_events.h"
 #include "scripted_ide_fire.h"
+#include "scripted_ide_projects.h"
 #include "scripted_ide_session.h"
 
 namespace sentrune::testing::ide {
@@ -271,6 +275,111 @@ TEST_F(Builds, BacksUpComparesRepointsAndReleasesEachBuild) {
 
   EXPECT_EQ(addin_->Disconnect(), S_OK);
   ExpectAllReleased();
+  // The load's log tells each build and what was done around it.
+  std::string log;
+  for (const auto& entry : fs::directory_iterator(fs::path(folder_.path()) / "addin/Logs")) log += Bytes(entry.path());
+  size_t logged = 0;
+  for (size_t at = log.find("Build of Widgets: "); at != std::string::npos; at = log.find("Build of Widgets: ", at + 1))
+    ++logged;
+  EXPECT_EQ(logged, 3u) << log;
+  EXPECT_NE(log.find("compatibility model updated: "), std::string::npos) << log;
+  EXPECT_NE(log.find("release copy: "), std::string::npos) << log;
+}
+
+
+// Tracking: the seconds a component's stopwatch shows in the elapsed-times
+// view (which saves the totals), by component; nothing for a view not shown.
+class Tracking : public Session {
+ protected:
+  std::optional<std::vector<std::pair<std::wstring, int>>> ElapsedTimes() {
+    if (!Click(L"Show &Elapsed Times")) return std::nullopt;
+    std::vector<SeenBox> boxes = developer_.Take();
+    lastView_ = Describe(boxes);
+    if (boxes.size() != 1) return std::nullopt;
+    std::vector<std::pair<std::wstring, int>> times;
+    const std::wregex row(L"(\\w+)\\s+(\\d+):(\\d\\d):(\\d\\d)");
+    for (std::wsregex_iterator it(boxes[0].text.begin(), boxes[0].text.end(), row), end; it != end; ++it) {
+      const int seconds = std::stoi((*it)[2]) * 3600 + std::stoi((*it)[3]) * 60 + std::stoi((*it)[4]);
+      times.emplace_back((*it)[1], seconds);
+    }
+    return times;
+  }
+  std::wstring lastView_;  // for the failure message
+  static int SecondsOf(const std::vector<std::pair<std::wstring, int>>& times, const std::wstring& name) {
+    for (const auto& [key, seconds] : times)
+      if (key == name) return seconds;
+    return -1;
+  }
+  // Lets the IDE's message loop run (the add-in's timer polls the IDE from
+  // it) until `done` holds or a minute has passed.
+  template <typename Done>
+  static bool PumpUntil(Done done) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!done()) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+      MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
+      MSG message;
+      while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    }
+    return true;
+  }
+};
+
+TEST_F(Tracking, ActiveComponentsGainTimeSavedBesideTheProject) {
+  CopyWidgetsAskingNothing("ShowDiagnostics=0\r\nTrackHistory=1\r\nTrackTime=1\r\n");
+  ide_ = std::make_unique<ScriptedIde>();
+  ASSERT_TRUE(ide_->Open(WindowsPath("Widgets/Widgets.vbp")).ok());
+  ASSERT_NO_FATAL_FAILURE(Start());
+  std::vector<SeenBox> boxes = developer_.Take();
+  EXPECT_TRUE(boxes.empty()) << Describe(boxes);
+
+  // A first build makes the project's tracking database.
+  ScriptedObject* project = ide_->Project("Widgets");
+  ASSERT_NE(project, nullptr);
+  const fs::path buildFile = fs::path(WindowsPath("Widgets/bin/Widgets.dll"));
+  fs::create_directories(buildFile.parent_path());
+  ASSERT_TRUE(CopyFileW(fs::path(WindowsPath("Widgets/builds/Widgets-1.0.dll")).c_str(), buildFile.c_str(), FALSE));
+  EXPECT_EQ(FireAfterWriteFile(ide_->state(), project, 4, buildFile.wstring(), 0), S_OK);
+  const fs::path database = fs::path(WindowsPath("Widgets/Widgets.stn"));
+  ASSERT_TRUE(fs::exists(database));
+  boxes = developer_.Take();
+  EXPECT_TRUE(boxes.empty()) << Describe(boxes);
+
+  // The IDE activates Widget and raises its events; later Gadget's code
+  // window comes up without a word, which only the timer's poll finds out.
+  const platform::ProjectPtr widgets = ide_->headless().FindProject("Widgets");
+  platform::ComponentPtr widget, gadget;
+  for (const platform::ComponentPtr& component : widgets->VBComponents()) {
+    if (component->Name() == "Widget") widget = component;
+    if (component->Name() == "Gadget") gadget = component;
+  }
+  ASSERT_TRUE(widget && gadget);
+  ASSERT_TRUE(ide_->headless().ActivateComponent(widget).ok());
+  ScriptedObject* activated = NewComponent(widget);
+  EXPECT_EQ(AdvisedSinks(ide_->state(), kIidComponentsEvents, widgets.get()), 1u);
+  EXPECT_EQ(FireComponentEvent(ide_->state(), project, 4, activated), S_OK);
+  EXPECT_EQ(FireComponentEvent(ide_->state(), project, 5, activated), S_OK);
+  activated->Release();
+  std::optional<std::vector<std::pair<std::wstring, int>>> times;
+  ASSERT_TRUE(PumpUntil([&] { return (times = ElapsedTimes()) && SecondsOf(*times, L"Widget") >= 1; }))
+      << lastView_;
+  ASSERT_TRUE(ide_->headless().ActivateComponent(gadget).ok());
+  ASSERT_TRUE(PumpUntil([&] { return (times = ElapsedTimes()) && SecondsOf(*times, L"Gadget") >= 1; }))
+      << lastView_;
+  const int widgetSeconds = SecondsOf(*times, L"Widget");
+  EXPECT_GE(widgetSeconds, 1);
+
+  // Disconnected, the totals are in the database: connected again, the
+  // add-in reads them back from it.
+  project->Release();
+  EXPECT_EQ(addin_->Disconnect(), S_OK);
+  ExpectAllReleased();
+  ASSERT_EQ(addin_->Connect(ide_->vbe()), S_OK);
+  times = ElapsedTimes();
+  ASSERT_TRUE(times);
+  EXPECT_GE(SecondsOf(*times, L"Widget"), widgetSeconds);
+  EXPECT_GE(SecondsOf(*times, L"Gadget"), 1);
+  EXPECT_EQ(addin_->Disconnect(), S_OK);
 }
 
 }  // namespace

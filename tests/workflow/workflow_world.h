@@ -37,7 +37,8 @@ struct WorkflowWorld : TestAddin {
   OptionSet& options = handler.options();
   ActivityTracker tracker{state, handler.options(), ide};
   frmAddinMain mainForm;
-  WorkflowServices services{state, handler, ide, tracker, mainForm};
+  std::function<void(const BuildEnd&)> buildEnded;
+  WorkflowServices services{state, handler, ide, tracker, mainForm, buildEnded};
   platform::ProjectPtr project;
   std::unique_ptr<clsProject> sink;
 

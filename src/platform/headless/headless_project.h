@@ -43,6 +43,7 @@ class HeadlessProject : public platform::VBProject,
   std::string Name() const override;
   int Type() const override { return type_; }
   std::string FileName() const override { return fileName_; }
+  uintptr_t Identity() const override { return reinterpret_cast<uintptr_t>(this); }
   std::string BuildFileName() const override;
   std::string CompatibleOleServer() const override;
   // Written as CompatibleMode="2" and CompatibleEXE32="path", the path
