@@ -71,8 +71,10 @@ void Redirect(CONTEXT& context) {
 #endif
 }
 
+// Set before the handler is installed.
+Image image;
+
 LONG CALLBACK OnException(EXCEPTION_POINTERS* exception) {
-  static const Image image = ThisImage();
   Landing* landing = innermost;
   const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
   const auto address = reinterpret_cast<uintptr_t>(record.ExceptionAddress);
@@ -88,7 +90,10 @@ LONG CALLBACK OnException(EXCEPTION_POINTERS* exception) {
 // handler is left pointing into an unloaded DLL.
 class Handler {
  public:
-  Handler() : handle_(AddVectoredExceptionHandler(1, &OnException)) {}
+  Handler() {
+    image = ThisImage();
+    handle_ = AddVectoredExceptionHandler(1, &OnException);
+  }
   ~Handler() {
     if (handle_ != nullptr) RemoveVectoredExceptionHandler(handle_);
   }
@@ -96,7 +101,7 @@ class Handler {
   Handler& operator=(const Handler&) = delete;
 
  private:
-  PVOID handle_;
+  PVOID handle_ = nullptr;
 };
 
 void Report(const Fault& fault) {
