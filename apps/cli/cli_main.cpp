@@ -17,7 +17,9 @@ Type libraries are read by Sentrune's own reader (--reader portable, the
 default, the same on every system) or by the system's loader (--reader system,
 on Windows only).
 
-Exit status: 0 done, 1 something was found or a step ended the run, 2 bad input.
+Exit status: 0 done; 1 a step could not do its work (compare: the builds differ;
+each command's --help says what 1 means for it); 2 bad input: a missing file, a
+folder, a file that is no project or has no type library, or bad arguments.
 
 Examples:
   sentrune options                                 show every option
@@ -54,14 +56,19 @@ int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in,
         std::ostream& err) {
   Session session(host, in, out, err);
   CLI::App app{"sentrune: keeps ActiveX components binary compatible and their builds safe."};
-  app.footer("\n" + host.Help().paths + kFooter + MenuHelpText());
   app.set_version_flag("--version", std::string("sentrune ") + SENTRUNE_VERSION);
   app.require_subcommand(0, 1);
   // "/x" is a path, never an option, whatever the system.
   app.allow_windows_style_options(false);
   AddGlobalOptions(app, session.global, host.Help().mapsDrives);
-  for (const Command& command : Commands())
-    command.setUp(*app.add_subcommand(command.name, command.help), session);
+  for (const Command& command : Commands()) {
+    CLI::App& sub = *app.add_subcommand(command.name, command.help);
+    command.setUp(sub, session);
+    const std::string footer = sub.get_footer();
+    sub.footer(footer + (footer.empty() ? "" : "\n") + ExitStatusHelp(command.name));
+  }
+  // Set last: a command's help would start from it.
+  app.footer("\n" + host.Help().paths + kFooter + MenuHelpText());
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -9,6 +9,7 @@
 #include "session.h"
 #include "typelib/frm_tlb_info.h"
 #include "typelib/parse_tlb.h"
+#include "typelib/tlb_json.h"
 
 namespace sentrune::cli {
 namespace {
@@ -33,8 +34,7 @@ void PrintJson(Session& session, const std::vector<TlbDifference>& differences, 
   nlohmann::ordered_json json;
   json["count"] = differences.size();
   json["level"] = CompatLevelName(level);
-  json["differences"] = nlohmann::ordered_json::array();
-  for (const TlbDifference& d : differences) json["differences"].push_back(d.text);
+  json["differences"] = DifferencesJson(differences);
   session.out << json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
 }
 
@@ -65,9 +65,7 @@ void SetUpCompare(CLI::App& command, Session& session) {
       "Lists what the model has and the build lacks, then what the build adds, and judges\n"
       "the build: identical, compatible (it only adds, or differs in the library's help\n"
       "string or version) or incompatible. Defaults for --ignore-minor and --details are\n"
-      "the comparison viewer's stored check marks.\n"
-      "Exit status: 0 nothing differs (with --fail-on incompatible: not incompatible),\n"
-      "1 something differs, 2 a file cannot be read.");
+      "the comparison viewer's stored check marks.");
   CompareArgs& args = RunWith(command, session, Compare);
   command.add_option("a", args.fileA, "The new build")->required();
   command.add_option("b", args.fileB, "The model to compare with")->required();
@@ -75,7 +73,10 @@ void SetUpCompare(CLI::App& command, Session& session) {
   command.add_flag("--no-ignore-minor", args.noIgnoreMinor, "Compare the library's help string and version")
       ->excludes(ignore);
   command.add_flag("--details", args.details, "Show both values of library-level differences");
-  command.add_flag("--json", args.json, "Print {count, level, differences} as JSON");
+  command.add_flag("--json", args.json,
+                   "Print {count, level, differences} as JSON: each difference with its pass, item\n"
+                   "(library, enum, record, class), name, member, change (onlyInA, onlyInB, guid, value,\n"
+                   "help), the values a and b of a change, and the message");
   command.add_option("--fail-on", args.failOn, "What makes the exit status 1")
       ->check(CLI::IsMember({"any", "incompatible"}))
       ->type_name("any|incompatible");

@@ -69,7 +69,7 @@ void RunDemo(Session& session, const DemoArgs& args) {
   fs::create_directories(root, error);
   if (!error) fs::copy(example, root / "Widgets", fs::copy_options::recursive, error);
   if (error) {
-    session.Fail("cannot copy the example to " + root.string() + ": " + error.message());
+    session.Stop("cannot copy the example to " + root.string() + ": " + error.message());
     return;
   }
   session.global.home = (root / "home").string();
@@ -94,7 +94,6 @@ void RunDemo(Session& session, const DemoArgs& args) {
   ListFiles(session.out, root / "Widgets" / "bin");
   session.out << "Release folder:\n";
   ListFiles(session.out, root / "Release");
-  session.exitCode = kExitOk;
   if (!args.keep) {
     fs::remove_all(root, error);
   } else {

@@ -3,8 +3,10 @@
 #include <ostream>
 
 #include "commands.h"
-#include "files/file_functions.h"
 #include "files/path_fixer.h"
+#include "platform/headless/headless_project.h"
+#include "runtime/text.h"
+#include "runtime/vb_error.h"
 #include "session.h"
 #include "settings/options_handler.h"
 
@@ -14,7 +16,8 @@ namespace {
 using Outcome = PathFixResult::Outcome;
 
 // The fixer has told the user through its own boxes and report window; this
-// adds what a script needs: where the files went and the exit status.
+// adds what a script needs: which file, where the files went and the exit
+// status.
 void Conclude(Session& session, const PathFixResult& result, const std::string& argument) {
   switch (result.outcome) {
     case Outcome::kFixed:
@@ -23,28 +26,32 @@ void Conclude(Session& session, const PathFixResult& result, const std::string& 
                   << (result.changes.size() == 1 ? " line" : " lines") << " changed)\n";
       return;
     case Outcome::kReadOnly:
-      session.exitCode = kExitBadInput;
-      return;
+      return session.Fail(argument + ": is read-only; nothing was changed");
     case Outcome::kNotBackedUp:
-      session.err << "sentrune: no backup could be made at '" << session.ToHostPath(result.backupFile) << "'; '"
-                  << argument << "' was not changed\n";
-      session.exitCode = kExitStopped;
-      return;
+      return session.Stop(argument + ": no backup could be made at '" + session.ToHostPath(result.backupFile) +
+                          "'; nothing was changed");
     case Outcome::kFailed:
-      session.exitCode = kExitStopped;
-      return;
+      return session.Stop(argument + ": the paths could not be fixed: " + rt::DescribeError(result.errorCode));
     case Outcome::kNothingFound:
     case Outcome::kCancelled:
       return;
   }
 }
 
+// Only a project file is handed to the fixer, which would otherwise report
+// any file at all as parsed.
+bool IsProjectFile(Session& session, const std::string& path, const std::string& argument) {
+  const headless::ProjectContext context{.files = session.state().files(), .typelibs = nullptr, .events = {}};
+  const auto project = headless::HeadlessProject::Load(context, path);
+  if (!project.ok()) session.Fail(rt::Replace(project.error().description, path, argument));
+  return project.ok();
+}
+
 void FixPaths(Session& session, const std::string& argument) {
   if (!session.Ready()) return;
-  const rt::Result<std::string> path = session.ToWindowsPath(argument);
+  const rt::Result<std::string> path = session.ExistingFile(argument);
   if (!path.ok()) return session.Fail(path.error().description);
-  if (!lfncFileExists(session.state().files(), *path))
-    return session.Fail("no such project file '" + argument + "'");
+  if (!IsProjectFile(session, *path, argument)) return;
   Conclude(session, Parse4ABSFile(session.state(), session.options().options(), *path), argument);
 }
 

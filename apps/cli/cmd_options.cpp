@@ -30,6 +30,12 @@ void ShowGrid(Session& session) {
   form.Close();
 }
 
+// The dialog's box has named the file; a script reads the exit status.
+void NotSaved(Session& session) {
+  session.Stop("the options were not saved: " +
+               session.ToHostPath(session.options().iniManager().GetIniManager().Path()) + " cannot be written");
+}
+
 void SetOne(Session& session, const OptionsArgs& args) {
   if (!session.Ready()) return;
   frmOptions form(session.options());
@@ -38,10 +44,7 @@ void SetOne(Session& session, const OptionsArgs& args) {
     session.Fail(set.error().description);
     return;
   }
-  if (form.SaveSettings() != 0) {
-    session.Fail("could not write the options file");
-    return;
-  }
+  if (form.SaveSettings() != 0) return NotSaved(session);
   session.out << args.key << " = " << form.CellText(args.key) << '\n';
 }
 
@@ -50,10 +53,7 @@ void Reset(Session& session) {
   frmOptions form(session.options());
   form.Open();
   form.ResetToStartValues();
-  if (form.SaveSettings() != 0) {
-    session.Fail("could not write the options file");
-    return;
-  }
+  if (form.SaveSettings() != 0) return NotSaved(session);
   session.out << "Every option has its start value again.\n";
 }
 

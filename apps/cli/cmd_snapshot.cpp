@@ -11,12 +11,31 @@
 namespace sentrune::cli {
 namespace {
 
-void TakeSnapshot(Session& session, const std::string& argument) {
+struct SnapshotArgs {
+  std::string project;
+  CLI::Option* comment = nullptr;
+  std::string commentText;
+  bool gather = false;
+  bool noGather = false;
+};
+
+// The dialog's comment and check box, as the options on the command line
+// set them.
+SnapshotChoices Choices(const SnapshotArgs& args) {
+  SnapshotChoices choices;
+  if (args.comment->count() > 0) choices.comment = args.commentText;
+  if (args.gather) choices.gather = true;
+  if (args.noGather) choices.gather = false;
+  return choices;
+}
+
+void TakeSnapshot(Session& session, const SnapshotArgs& args) {
+  const std::string& argument = args.project;
   const platform::ProjectPtr project = OpenOneProject(session, argument);
   if (!project) return;
   clsProject* sink = session.connect().FindProjectSink(project->Name());
   if (!sink) return session.Fail("the add-in did not take up " + argument);
-  const int32_t result = lfncSnapshotEX(*sink, true);
+  const int32_t result = lfncSnapshotEX(*sink, true, Choices(args));
   const BuildReport report = sink->TakeBuildReport();
   if (!report.snapshotFolder.empty())
     session.out << "Snapshot: " << session.ToHostPath(report.snapshotFolder) << '\n';
@@ -37,8 +56,18 @@ void SetUpSnapshot(CLI::App& command, Session& session) {
   command.footer(
       "The project file and every source file it names are copied, in their places relative to\n"
       "the project folder, into \"<name> <date>\" beside the project (or under the base folder\n"
-      "chosen last time). Files named outside the project folder go under \"_outside\".");
-  command.add_option("project", RunWith(command, session, TakeSnapshot), "The .vbp file")->required();
+      "chosen last time). Files named outside the project folder go under \"_outside\".\n"
+      "As in the IDE's dialog, the comment goes to \"_Snapshot_ReadME.txt\" (read-only) and the\n"
+      "dependencies (referenced type libraries and controls) to \"Dependencies\\\"; without the\n"
+      "options the dialog's defaults (DefaultStoreComment, DefaultGatherDepens) decide. The\n"
+      "dialog's question is still asked, as every question is (--yes takes the snapshot).");
+  SnapshotArgs& args = RunWith(command, session, TakeSnapshot);
+  command.add_option("project", args.project, "The .vbp file")->required();
+  args.comment = command.add_option("--comment", args.commentText, "Store this comment with the snapshot")
+                     ->type_name("TEXT");
+  auto* gather =
+      command.add_flag("--gather-dependencies", args.gather, "Copy the project's dependencies into the snapshot");
+  command.add_flag("--no-gather-dependencies", args.noGather, "Leave the dependencies out")->excludes(gather);
 }
 
 }  // namespace sentrune::cli

@@ -36,15 +36,16 @@ void WriteXml(Session& session, const clsParseTLB& model, const std::string& out
     target = *path;
   }
   const std::string written = model.BuildXML(target);
-  if (written.empty()) return session.Fail("the XML file was not written");
+  if (written.empty())
+    return session.Stop((out.empty() ? session.ToHostPath(model.FilePath()) + ".xml" : out) + ": was not written");
   session.out << session.ToHostPath(written) << '\n';
 }
 
-void WriteIdl(Session& session, const clsParseTLB& model) {
+void WriteIdl(Session& session, const clsParseTLB& model, const std::string& argument) {
   const rt::Result<platform::TlbLibrary> lib = session.state().platform.typelibs.Load(model.FilePath());
-  if (!lib.ok()) return session.Fail(lib.error().description);
+  if (!lib.ok()) return session.Stop(argument + ": " + lib.error().description);
   const rt::Result<std::string> idl = TypeLibIdl(*lib);
-  if (!idl.ok()) return session.Fail(idl.error().description);
+  if (!idl.ok()) return session.Stop(argument + ": no IDL: " + idl.error().description);
   // widl copies string bytes as they stand, and the library's strings are ANSI.
   session.out << rt::Utf8ToCp1252(*idl);
 }
@@ -58,7 +59,7 @@ void Inspect(Session& session, const InspectArgs& args) {
   } else if (args.xml->count() > 0) {
     WriteXml(session, model, args.xmlOut);
   } else if (args.idl) {
-    WriteIdl(session, model);
+    WriteIdl(session, model, args.file);
   } else {
     std::vector<platform::TreeNode> tree;
     model.BuildTree(tree);

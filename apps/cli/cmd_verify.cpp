@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "host_platform.h"
+#include "open_project.h"
 #include "platform/headless/headless_ide.h"
 #include "runtime/text.h"
 #include "session.h"
@@ -56,36 +57,31 @@ void Details(Session& session) {
   if (form.ShowDiagnostics(registry.get()) > 0) session.exitCode = kExitStopped;
 }
 
-// Opens the session and the project, as the developer would before clicking
-// the menu item.
-bool OpenProject(Session& session, const std::string& argument) {
-  if (!session.Ready()) return false;
-  const rt::Result<std::string> path = session.ToWindowsPath(argument);
-  if (!path) {
-    session.Fail(path.error().description);
-    return false;
+// The add-in's boxes said why; this names the project for a script's log.
+void Finish(Session& session, InsertOutcome outcome, const std::string& project, const std::string& what) {
+  switch (outcome) {
+    case InsertOutcome::kAdded:
+      return;
+    case InsertOutcome::kNothingToDo:
+      return session.Stop(project + ": " + what + " was not added: there was nothing to add");
+    case InsertOutcome::kDeclined:
+      return session.Stop(project + ": " + what + " was kept as it was");
+    case InsertOutcome::kFailed:
+      return session.Stop(project + ": " + what + " could not be added");
   }
-  const auto opened = session.ide().Open(*path);
-  if (!opened) {
-    session.Fail(opened.error().description);
-    return false;
-  }
-  return true;
-}
-
-void Finish(Session& session, InsertOutcome outcome) {
-  if (outcome != InsertOutcome::kAdded) session.exitCode = kExitStopped;
 }
 
 void VerifyClass(Session& session, const std::string& project) {
-  if (!OpenProject(session, project)) return;
+  if (!OpenProjectFile(session, project)) return;
   const std::unique_ptr<platform::Registry> registry = session.hostEnv().OpenVerifyRegistry(nullptr);
-  Finish(session, InsertVerifyClass(session.state(), session.options().options(), session.ide(), registry.get()));
+  Finish(session, InsertVerifyClass(session.state(), session.options().options(), session.ide(), registry.get()),
+         project, "the verification class");
 }
 
 void AlignControl(Session& session, const std::string& project) {
-  if (OpenProject(session, project))
-    Finish(session, InsertAlignControl(session.state(), session.options().options(), session.ide()));
+  if (OpenProjectFile(session, project))
+    Finish(session, InsertAlignControl(session.state(), session.options().options(), session.ide()), project,
+           "the alignment control");
 }
 
 }  // namespace
@@ -93,8 +89,7 @@ void AlignControl(Session& session, const std::string& project) {
 void SetUpVerify(CLI::App& command, Session& session) {
   VerifyArgs& args = RunWith(command, session, Verify);
   command.add_flag("--silent", args.silent, "Show no message box; print each failure under its line");
-  command.footer("Registrations are read from " + session.host().Help().registry +
-                 "\nExit status 1 when any component failed.");
+  command.footer("Registrations are read from " + session.host().Help().registry);
 }
 
 void SetUpVerifyClass(CLI::App& command, Session& session) {

@@ -109,10 +109,10 @@ bool KeepsTotals(Session& session) {
   const bool missing = !session.state().files().GetAttributes(jet->CurrentDBName()).ok();
   if (!missing) return true;
   if (jet->CreateIfMissing() != 0) {
-    session.Fail("cannot create the tracking database " + jet->CurrentDBName());
+    session.Stop("cannot create the tracking database " + session.ToHostPath(jet->CurrentDBName()));
     return false;
   }
-  session.out << "Created the tracking database " << jet->CurrentDBName() << '\n';
+  session.out << "Created the tracking database " << session.ToHostPath(jet->CurrentDBName()) << '\n';
   return true;
 }
 
@@ -120,7 +120,7 @@ void Watch(Session& session, const std::string& argument) {
   const platform::ProjectPtr project = OpenOneProject(session, argument);
   if (!project) return;
   rt::Result<std::unique_ptr<platform::FileWatch>> watch = session.host().WatchFiles();
-  if (!watch.ok()) return session.Fail(watch.error().description);
+  if (!watch.ok()) return session.Stop(watch.error().description);
   Watcher watcher(session, project);
   if (!watcher.MapFiles(**watch)) return session.Fail("no component file of " + argument + " can be watched");
   session.connect().tracker()->TrackActivity(project, nullptr);
@@ -132,8 +132,7 @@ void Watch(Session& session, const std::string& argument) {
   while (!stop->Requested()) {
     const rt::Result<std::vector<std::string>> changed = (*watch)->Wait(1000);
     if (!changed.ok()) {
-      session.err << "sentrune: " << changed.error().description << '\n';
-      session.exitCode = kExitStopped;
+      session.Stop(changed.error().description);
       break;
     }
     std::vector<FollowerEvent> events;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <string_view>
 
 namespace sentrune {
 enum class MenuCommand;
@@ -28,6 +30,10 @@ struct Command {
 // Every command, in the order the help lists them.
 std::span<const Command> Commands();
 
+// The last lines of a command's help: its exit statuses, the same three for
+// every command, with what 1 means for this one.
+std::string ExitStatusHelp(std::string_view command);
+
 // Runs `run` over the command's arguments when the command is chosen; the
 // parser fills the arguments returned here.
 template <class Args>
@@ -47,6 +53,7 @@ void SetUpRefs(CLI::App& command, Session& session);
 void SetUpFixPaths(CLI::App& command, Session& session);
 void SetUpSnapshot(CLI::App& command, Session& session);
 void SetUpTimes(CLI::App& command, Session& session);
+void SetUpHistory(CLI::App& command, Session& session);
 void SetUpWatch(CLI::App& command, Session& session);
 void SetUpFixAssociations(CLI::App& command, Session& session);
 void SetUpVerify(CLI::App& command, Session& session);

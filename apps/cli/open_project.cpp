@@ -1,24 +1,31 @@
 #include "open_project.h"
 
-#include "platform/headless/headless_ide.h"
+#include "runtime/text.h"
 #include "session.h"
 
 namespace sentrune::cli {
 
-platform::ProjectPtr OpenOneProject(Session& session, const std::string& argument) {
-  if (!session.Ready()) return nullptr;
-  const rt::Result<std::string> path = session.ToWindowsPath(argument);
+std::optional<headless::HeadlessIde::OpenResult> OpenProjectFile(Session& session, const std::string& argument) {
+  if (!session.Ready()) return std::nullopt;
+  const rt::Result<std::string> path = session.ExistingFile(argument);
   if (!path.ok()) {
     session.Fail(path.error().description);
-    return nullptr;
+    return std::nullopt;
   }
-  const rt::Result<headless::HeadlessIde::OpenResult> opened = session.ide().Open(*path);
+  rt::Result<headless::HeadlessIde::OpenResult> opened = session.ide().Open(*path);
   if (!opened.ok()) {
-    session.Fail(opened.error().description);
-    return nullptr;
+    // The IDE names the file by its Windows path; the user typed another.
+    session.Fail(rt::Replace(opened.error().description, *path, argument));
+    return std::nullopt;
   }
+  return std::move(*opened);
+}
+
+platform::ProjectPtr OpenOneProject(Session& session, const std::string& argument) {
+  const std::optional<headless::HeadlessIde::OpenResult> opened = OpenProjectFile(session, argument);
+  if (!opened) return nullptr;
   if (opened->projects.size() != 1) {
-    session.Fail(argument + " is a group; name one project (.vbp)");
+    session.Fail(argument + ": is a group; name one project (.vbp)");
     return nullptr;
   }
   platform::ProjectPtr project = opened->projects.front();

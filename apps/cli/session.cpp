@@ -55,6 +55,11 @@ void Session::Fail(const std::string& message) {
   exitCode = kExitBadInput;
 }
 
+void Session::Stop(const std::string& message) {
+  err << "sentrune: " << message << '\n';
+  if (exitCode != kExitBadInput) exitCode = kExitStopped;
+}
+
 rt::Status Session::Open() {
   if (parts_) return {};
   std::error_code error;
@@ -113,6 +118,20 @@ rt::Result<std::string> Session::ToWindowsPath(const std::string& argument) {
                          "'" + argument + "' lies on no mapped drive (see --drive)");
   }
   return *windows;
+}
+
+rt::Result<std::string> Session::ExistingFile(const std::string& argument) {
+  rt::Result<std::string> path = ToWindowsPath(argument);
+  if (!path.ok()) return path;
+  const rt::Result<uint32_t> attributes = state().files().GetAttributes(*path);
+  if (!attributes.ok()) {
+    const int32_t number = attributes.error().number;
+    const bool missing = number == rt::errnum::kFileNotFound || number == rt::errnum::kPathNotFound;
+    return rt::MakeError(number, argument + ": " + (missing ? "no such file" : attributes.error().description));
+  }
+  if (*attributes & platform::kAttrDirectory)
+    return rt::MakeError(rt::errnum::kPathFileAccessError, argument + ": is a folder");
+  return path;
 }
 
 std::string Session::ToHostPath(const std::string& windowsPath) {

@@ -58,9 +58,15 @@ class Session {
   rt::Result<std::string> ToWindowsPath(const std::string& argument);
   // The host form of a Windows path, for messages a terminal user can act on.
   std::string ToHostPath(const std::string& windowsPath);
+  // ToWindowsPath of a file that must exist; the error names the argument
+  // and says whether it is missing or a folder.
+  rt::Result<std::string> ExistingFile(const std::string& argument);
 
-  // Reports a failure on the error stream and sets the exit status to 2.
+  // Reports bad input on the error stream and sets the exit status to 2.
   void Fail(const std::string& message);
+  // Reports a step that could not do its work and sets the exit status to 1
+  // (bad input, already reported, keeps its 2).
+  void Stop(const std::string& message);
 
  private:
   struct Parts;

@@ -194,6 +194,17 @@ int32_t clsJet351::AddBuildHistory(const std::string& fileName) {
   });
 }
 
+std::vector<BuildHistoryRecord> clsJet351::BuildHistory() {
+  std::vector<BuildHistoryRecord> history;
+  Trapped("BuildHistory", [&] {
+    if (!DatabaseFileExists()) return;
+    JetTable table = OpenTable(kBuildHistory);
+    for (const std::vector<std::string>& record : table.Records({"BuildEventID", "BuildFileName", "BuildFileDate"}))
+      history.push_back({static_cast<int64_t>(rt::Val(record[0])), record[1], record[2]});
+  });
+  return history;
+}
+
 std::string clsJet351::GetDBSetting(const std::string& name) {
   std::string value;
   Trapped("GetDBSetting", [&] {

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "state/addin_state.h"
 #include "runtime/keyed_collection.h"
@@ -24,6 +25,14 @@
 namespace sentrune {
 
 class JetTable;
+
+// One "BuildHistory" row: the built file and its last-modified time as
+// stored ("yyyy-mm-dd hh:nn:ss").
+struct BuildHistoryRecord {
+  int64_t id = 0;
+  std::string fileName;
+  std::string fileDate;
+};
 
 class clsJet351 {
  public:
@@ -60,6 +69,9 @@ class clsJet351 {
   // a host that gathers times in a project whose database no build created.
   int32_t CreateIfMissing();
   int32_t AddBuildHistory(const std::string& fileName);
+  // Every "BuildHistory" row in the order they were added; none, and no file
+  // created, when the database does not exist.
+  std::vector<BuildHistoryRecord> BuildHistory();
   std::string GetDBSetting(const std::string& name);
   int32_t SaveDBSetting(const std::string& name, const std::string& value);
 

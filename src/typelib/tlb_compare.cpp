@@ -46,10 +46,24 @@ class Pass {
   }
 
  private:
-  void Add(DiffKind kind, std::string text) { out_.push_back({number_, kind, std::move(text)}); }
+  // `inA` and `inB` are the values as this pass's A and B hold them; the
+  // record keeps them as the compared libraries hold them.
+  void Add(DiffKind kind, std::string text, const std::string& item, const std::string& member = {},
+           const std::string& inA = {}, const std::string& inB = {}) {
+    const bool swapped = number_ == 2;
+    out_.push_back({number_, kind, std::move(text), item, member, swapped ? inB : inA, swapped ? inA : inB});
+  }
 
-  void Missing(DiffKind kind, const char* phrase, const std::string& key) {
-    Add(kind, labelB_ + phrase + key + "' which doesn't exist in " + labelA_);
+  void Missing(DiffKind kind, const char* phrase, const std::string& item) {
+    Add(kind, MissingText(phrase, item), item);
+  }
+
+  void MissingMember(DiffKind kind, const char* phrase, const std::string& item, const std::string& key) {
+    Add(kind, MissingText(phrase, key), item, key);
+  }
+
+  std::string MissingText(const char* phrase, const std::string& key) const {
+    return labelB_ + phrase + key + "' which doesn't exist in " + labelA_;
   }
 
   void Library(DiffKind kind, const std::string& a, const std::string& b, const char* message,
@@ -57,12 +71,13 @@ class Pass {
     if (a == b) return;
     std::string text = message;
     if (showDetails_) text += kCrLf + caption + " (A) = " + a + kCrLf + caption + " (B) = " + b;
-    Add(kind, std::move(text));
+    Add(kind, std::move(text), a_.Library(), {}, a, b);
   }
 
-  void Members(const MemberCollection& inA, const MemberCollection& inB, DiffKind kind, const char* phrase) {
+  void Members(const std::string& item, const MemberCollection& inA, const MemberCollection& inB, DiffKind kind,
+               const char* phrase) {
     for (const auto& entry : inB)
-      if (!inA.Contains(entry.item.MemberName)) Missing(kind, phrase, entry.item.MemberName);
+      if (!inA.Contains(entry.item.MemberName)) MissingMember(kind, phrase, item, entry.item.MemberName);
   }
 
   void RecordChecks(const EnumOrTypeCollection& inA, const EnumOrTypeCollection& inB,
@@ -73,20 +88,23 @@ class Pass {
         Missing(kind, phrase, entry.item.MemberName);
         continue;
       }
-      Members(found->Members, entry.item.Members, memberKind, memberPhrase);
+      Members(entry.item.MemberName, found->Members, entry.item.Members, memberKind, memberPhrase);
     }
   }
 
   void ClassChecks(const clsClass& cls) {
     const clsClass* found = a_.Classes().Find(cls.ClassName);
+    const std::string& name = cls.ClassName;
     if (!found) {
-      Missing(DiffKind::kClass, " contains a Class named '", cls.ClassName);
+      Missing(DiffKind::kClass, " contains a Class named '", name);
       return;
     }
-    if (found->ClassGUID != cls.ClassGUID) Add(DiffKind::kClassGuid, labelB_ + " GUID Doesn't match " + labelA_ + " GUID");
-    Members(found->Properties, cls.Properties, DiffKind::kProperty, " contains a Property named '");
-    Members(found->Methods, cls.Methods, DiffKind::kMethod, " contains a Method named '");
-    Members(found->Events, cls.Events, DiffKind::kEvent, " contains a Event named '");
+    if (found->ClassGUID != cls.ClassGUID)
+      Add(DiffKind::kClassGuid, labelB_ + " GUID Doesn't match " + labelA_ + " GUID", name, {}, found->ClassGUID,
+          cls.ClassGUID);
+    Members(name, found->Properties, cls.Properties, DiffKind::kProperty, " contains a Property named '");
+    Members(name, found->Methods, cls.Methods, DiffKind::kMethod, " contains a Method named '");
+    Members(name, found->Events, cls.Events, DiffKind::kEvent, " contains a Event named '");
   }
 
   const clsParseTLB& a_;
@@ -115,6 +133,31 @@ std::vector<std::string> clsParseTLB::Compare(const clsParseTLB& Other, bool Ign
   std::vector<std::string> texts;
   for (TlbDifference& d : CompareDetailed(Other, IgnoreMinor, ShowDetails)) texts.push_back(std::move(d.text));
   return texts;
+}
+
+DiffItem ItemOf(DiffKind kind) {
+  switch (kind) {
+    case DiffKind::kLibraryName:
+    case DiffKind::kLibraryHelpString:
+    case DiffKind::kLibraryGuid:
+    case DiffKind::kLibraryVersion: return DiffItem::kLibrary;
+    case DiffKind::kEnum:
+    case DiffKind::kEnumMember: return DiffItem::kEnum;
+    case DiffKind::kType:
+    case DiffKind::kTypeMember: return DiffItem::kRecord;
+    default: return DiffItem::kClass;
+  }
+}
+
+DiffChange ChangeOf(const TlbDifference& difference) {
+  switch (difference.kind) {
+    case DiffKind::kLibraryGuid:
+    case DiffKind::kClassGuid: return DiffChange::kGuid;
+    case DiffKind::kLibraryHelpString: return DiffChange::kHelp;
+    case DiffKind::kLibraryName:
+    case DiffKind::kLibraryVersion: return DiffChange::kValue;
+    default: return difference.pass == 1 ? DiffChange::kOnlyInB : DiffChange::kOnlyInA;
+  }
 }
 
 CompatLevel CompatibilityLevel(const std::vector<TlbDifference>& differences) {

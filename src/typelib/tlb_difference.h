@@ -22,13 +22,31 @@ enum class DiffKind {
   kEvent,
 };
 
+// What holds the difference, and what happened to it. A is "this" (the new
+// build), B the other library (its model).
+enum class DiffItem { kLibrary, kEnum, kRecord, kClass };
+enum class DiffChange { kOnlyInA, kOnlyInB, kGuid, kValue, kHelp };
+
 struct TlbDifference {
   // 1: found walking the other library (it has something "this" lacks, or a
   // library-level mismatch); 2: found walking "this" (something "this" adds).
   int pass = 1;
   DiffKind kind = DiffKind::kLibraryName;
   std::string text;
+  // The library, enumeration, record type or class, by name: messages name
+  // none of them, and a class whose GUID changed is known by this alone.
+  std::string item;
+  // The member's key (its declaration text); empty when the difference is
+  // the item itself or one of its values.
+  std::string member;
+  // A changed value as A and B hold it (a GUID, a help string, the
+  // library's name or version); empty otherwise.
+  std::string valueA;
+  std::string valueB;
 };
+
+DiffItem ItemOf(DiffKind kind);
+DiffChange ChangeOf(const TlbDifference& difference);
 
 // How a new build ("this") stands against its model ("Other").
 enum class CompatLevel { kIdentical, kCompatible, kIncompatible };

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "runtime/text.h"
+
 namespace sentrune {
 namespace {
 
@@ -44,7 +46,48 @@ Json ClassList(const ClassCollection& classes) {
   return list;
 }
 
+const char* ItemName(DiffItem item) {
+  switch (item) {
+    case DiffItem::kLibrary: return "library";
+    case DiffItem::kEnum: return "enum";
+    case DiffItem::kRecord: return "record";
+    case DiffItem::kClass: return "class";
+  }
+  return "class";
+}
+
+const char* ChangeName(DiffChange change) {
+  switch (change) {
+    case DiffChange::kOnlyInA: return "onlyInA";
+    case DiffChange::kOnlyInB: return "onlyInB";
+    case DiffChange::kGuid: return "guid";
+    case DiffChange::kValue: return "value";
+    case DiffChange::kHelp: return "help";
+  }
+  return "value";
+}
+
 }  // namespace
+
+Json DifferencesJson(const std::vector<TlbDifference>& differences) {
+  Json list = Json::array();
+  for (const TlbDifference& d : differences) {
+    const DiffChange change = ChangeOf(d);
+    Json j;
+    j["pass"] = d.pass;
+    j["item"] = ItemName(ItemOf(d.kind));
+    j["name"] = d.item;
+    j["member"] = d.member.empty() ? Json() : Json(d.member);
+    j["change"] = ChangeName(change);
+    if (change != DiffChange::kOnlyInA && change != DiffChange::kOnlyInB) {
+      j["a"] = d.valueA;
+      j["b"] = d.valueB;
+    }
+    j["message"] = rt::Replace(d.text, "\r\n", "\n");
+    list.push_back(std::move(j));
+  }
+  return list;
+}
 
 std::string TypeLibJson(const clsParseTLB& model, int indent) {
   Json root;

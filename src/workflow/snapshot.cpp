@@ -22,7 +22,8 @@ struct SnapshotPlan {
 
 // The question of a snapshot; nothing when the user declined.
 std::optional<SnapshotPlan> AskAboutSnapshot(const StepContext& step, const std::string& projectFile,
-                                             const std::string& proposal, const std::string& folderName) {
+                                             const std::string& proposal, const std::string& folderName,
+                                             const SnapshotChoices& choices) {
   frmFileHandlerEX form(step.state);
   form.Caption = "Create Snapshot?";
   form.Prompt =
@@ -38,6 +39,11 @@ std::optional<SnapshotPlan> AskAboutSnapshot(const StepContext& step, const std:
   form.CommentsVisible = form.ReferencesVisible = true;
   form.CommentsEnabled = step.options.DefaultStoreComment;
   form.ReferencesEnabled = step.options.DefaultGatherDepens;
+  if (choices.comment) {
+    form.CommentText = *choices.comment;
+    form.CommentsEnabled = true;
+  }
+  if (choices.gather) form.ReferencesEnabled = *choices.gather;
   if (form.Show() == mb::kNo) return std::nullopt;
   // An unticked "store comment" box means no comment file.
   return SnapshotPlan{rt::AddBackslash(form.DestinationFile), form.CommentsEnabled ? form.CommentText : "",
@@ -66,7 +72,7 @@ rt::Status CopyIntoSnapshot(const StepContext& step, const std::string& source, 
   return fs.SetAttributes(destination, platform::kAttrArchive | platform::kAttrReadOnly);
 }
 
-int32_t lfncSnapshotEX(StepContext& step, bool force) {
+int32_t lfncSnapshotEX(StepContext& step, bool force, const SnapshotChoices& choices) {
   const int16_t value = StepValue(step.options.CreateSnapshot, step.project);
   if (!force && value <= 0) return 0;
 
@@ -84,7 +90,7 @@ int32_t lfncSnapshotEX(StepContext& step, bool force) {
 
   SnapshotPlan plan{proposal};
   if (force || value == kAskFirst) {
-    std::optional<SnapshotPlan> asked = AskAboutSnapshot(step, projectFile, proposal, folderName);
+    std::optional<SnapshotPlan> asked = AskAboutSnapshot(step, projectFile, proposal, folderName, choices);
     if (!asked) return 0;
     plan = std::move(*asked);
   }
@@ -104,10 +110,10 @@ int32_t lfncSnapshotEX(StepContext& step, bool force) {
   return result;
 }
 
-int32_t lfncSnapshotEX(clsProject& sink, bool force) {
+int32_t lfncSnapshotEX(clsProject& sink, bool force, const SnapshotChoices& choices) {
   if (!sink.CProject()) return 0;
   StepContext step = sink.MakeStepContext();
-  return lfncSnapshotEX(step, force);
+  return lfncSnapshotEX(step, force, choices);
 }
 
 }  // namespace sentrune

@@ -3,6 +3,7 @@
 // it names, taken after a build or from the menu, with an optional comment
 // file and the project's dependencies beside them.
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,10 +19,18 @@ class clsProject;
 // after a build the project type's CreateSnapshot decides. 0 when done or
 // declined, 53 for a project never saved (after telling the user), else the
 // first failing step's error number.
-int32_t lfncSnapshotEX(StepContext& step, bool force);
+// What a caller without the dialog's fields to hand decides beforehand:
+// they set the question's comment and check boxes before it is asked, as a
+// user would in the dialog. Nothing set leaves the dialog's defaults.
+struct SnapshotChoices {
+  std::optional<std::string> comment;  // the comment, with its check box ticked
+  std::optional<bool> gather;          // the gather-dependencies check box
+};
+
+int32_t lfncSnapshotEX(StepContext& step, bool force, const SnapshotChoices& choices = {});
 // The menu's snapshot, with no event under way: with the sink's project (0
 // without one) and its own context.
-int32_t lfncSnapshotEX(clsProject& sink, bool force);
+int32_t lfncSnapshotEX(clsProject& sink, bool force, const SnapshotChoices& choices = {});
 
 struct SnapshotCopy {
   int32_t result = 0;              // 0, or the error number of the first copy that failed

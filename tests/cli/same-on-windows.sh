@@ -18,10 +18,10 @@ winpath() { printf 'Z:%s' "$1" | tr / '\\'; }
 
 # Each side's copy becomes COPY, a demo's temporary folder DEMO, time stamps
 # TIME and the registry a repair changed REGISTRY (a prefix's files on Linux,
-# the system's own on Windows); backslashes become slashes and Windows' line
-# ends Unix ones.
+# the system's own on Windows); backslashes become slashes, a path on drive
+# Z: the host path it is, and Windows' line ends Unix ones.
 normalise() {
-  sed -e 's/\r$//' -e 's|\\|/|g' -e "s|Z:$work/$1|COPY|g" -e "s|$work/$1|COPY|g" \
+  sed -e 's/\r$//' -e 's|\\|/|g' -e 's|Z:/|/|g' -e "s|$work/$1|COPY|g" \
     -e 's|[A-Za-z:]*/[^ ]*/sentrune-demo-[0-9]*|DEMO|g' \
     -e 's/\(associations* changed in\) .*/\1 REGISTRY/' \
     -e 's/[0-9]\{4\}\.[0-9][0-9]\.[0-9][0-9]-[0-9][0-9]\.[0-9][0-9]\.[0-9][0-9]/TIME/g'

@@ -52,6 +52,19 @@ TEST_F(TrackingDb, SettingsAreFoundByNameWithoutRegardToCaseAndBuildsAreRecorded
   EXPECT_EQ(jet.AddBuildHistory("C:\\Work\\Gone.dll"), rt::errnum::kFileNotFound);
   EXPECT_EQ(Table("SELECT BuildEventID, BuildFileName, BuildFileDate FROM BuildHistory"),
             (Rows{{"1", "C:\\Work\\Grid.dll", "2021-03-04 17:05:06"}}));
+  // Read back in the order recorded; a project without a database has none
+  // and gets no file for asking.
+  files().AddFile("C:\\Work\\Grid.dll", "MZ", rt::DateTime{2022, 1, 2, 3, 4, 5});
+  EXPECT_EQ(jet.AddBuildHistory("C:\\Work\\Grid.dll"), 0);
+  const std::vector<BuildHistoryRecord> history = jet.BuildHistory();
+  ASSERT_EQ(history.size(), 2u);
+  EXPECT_EQ(history[1].id, 2);
+  EXPECT_EQ(history[1].fileName, "C:\\Work\\Grid.dll");
+  EXPECT_EQ(history[1].fileDate, "2022-01-02 03:04:05");
+  clsJet351 unbuilt{state};
+  unbuilt.SetCurrentDBName("C:\\Work\\Never.stn");
+  EXPECT_TRUE(unbuilt.BuildHistory().empty());
+  EXPECT_FALSE(files().Exists("C:\\Work\\Never.stn"));
   EXPECT_EQ(ui.Titles(), (Strings{"clsJet351:SaveDBSetting", "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting",
                                "clsJet351:AddBuildHistory"}));
   EXPECT_EQ(ui.boxes[1].style, platform::mb::kCritical);

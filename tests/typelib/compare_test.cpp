@@ -1,11 +1,14 @@
 // Comparing two models: libraries widl compiled, each variant of the base
 // differing in one respect and read by the real portable readers; then the
 // rules those fixtures cannot show (what is not part of a key, the phrases
-// for missing containers, the library-level details). The differences are
-// checked whole against tests/fixtures/typelib/*.compare.txt.
+// for missing containers, the library-level details). The differences, with
+// the item, member and change each record carries, are checked whole
+// against tests/fixtures/typelib/*.compare.txt.
 #include <gtest/gtest.h>
 
+#include "runtime/text.h"
 #include "support/expected_file.h"
+#include "typelib/tlb_json.h"
 #include "typelib/typelib_world.h"
 
 namespace sentrune::testing {
@@ -13,10 +16,16 @@ namespace {
 
 using namespace tlb;
 
-// A heading, the level, then one difference a line.
+// A heading, the level, then each difference: its text, and below it what
+// the structured record says of it (the item, member, change and values).
 std::string Report(const std::string& heading, const std::vector<TlbDifference>& differences) {
   std::string text = "== " + heading + ": " + CompatLevelName(CompatibilityLevel(differences)) + "\n";
-  for (const auto& d : differences) text += d.text + "\n";
+  nlohmann::ordered_json records = DifferencesJson(differences);
+  for (size_t i = 0; i < differences.size(); ++i) {
+    EXPECT_EQ(records[i]["message"], rt::Replace(differences[i].text, "\r\n", "\n"));
+    records[i].erase("message");
+    text += differences[i].text + "\n    " + records[i].dump() + "\n";
+  }
   return text;
 }
 

@@ -2,6 +2,7 @@
 // what they ask, and how one step's code stops the rest.
 #include <gtest/gtest.h>
 
+#include "workflow/compat_history.h"
 #include "workflow_world.h"
 
 namespace sentrune::testing {
@@ -63,6 +64,24 @@ TEST(BuildChain, FirstAndSecondBuildOfAnActiveXComponent) {
   ASSERT_EQ(w.ui.forms.size(), 1u);
   EXPECT_EQ(w.ui.forms[0].caption, "Comparison Results");
   EXPECT_TRUE(w.ui.boxes.empty() && w.ui.fileQuestions.empty());
+
+  // The copies the builds left, in time order with an older model that had
+  // more and a damaged one: the first 1.0 copy is where compatibility broke,
+  // and an unreadable copy is stepped over.
+  const std::string older = "C:\\Src\\Widgets\\bin\\Compat\\Widgets-2003.dll";
+  const std::string damaged = "C:\\Src\\Widgets\\bin\\History\\Widgets-damaged.dll";
+  w.files().AddFile(older, Widgets("1.1"), {2003, 1, 1, 0, 0, 0});
+  w.files().AddFile(damaged, "MZ", {2004, 5, 7, 9, 30, 0});
+  const std::vector<DatedCopy> copies = CompatTimeline(w.state, w.options, *w.project);
+  Strings order, steps;
+  for (const DatedCopy& copy : copies) order.push_back(copy.path);
+  EXPECT_EQ(order, (Strings{older, kModel1, kBackup1, kModel2, damaged, kComponent}));
+  WalkCompatTimeline(w.state, copies, false, [&](const CompatStep& step) {
+    steps.push_back((step.older ? std::to_string(*step.older) : "-") + ">" + std::to_string(step.newer) + " " +
+                    (step.error.empty() ? CompatLevelName(CompatibilityLevel(step.differences)) : "unreadable"));
+  });
+  EXPECT_EQ(steps, (Strings{"->0 identical", "0>1 incompatible", "1>2 identical", "2>3 compatible",
+                            "3>4 unreadable", "3>5 identical"}));
 }
 
 TEST(BuildChain, WhichWritesCountAsTheProjectsOwnBuild) {

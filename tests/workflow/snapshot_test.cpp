@@ -107,6 +107,17 @@ TEST(Snapshot, AfterABuildSilentlyAndFromTheMenuWithCommentAndDependencies) {
     EXPECT_TRUE(w.files().Exists(folder + "Dependencies\\" + name)) << name;
   EXPECT_TRUE(w.ui.boxes.empty());
 
+  // Choices made beforehand (the command line's) are what the dialog shows,
+  // over the stored defaults.
+  w.options.DefaultStoreComment = false;
+  w.options.DefaultGatherDepens = true;
+  w.ui.QueueFileHandler({platform::mb::kNo, kSnapshot, std::nullopt, "", false, false});
+  EXPECT_EQ(lfncSnapshotEX(*w.sink, true, SnapshotChoices{"Nightly", false}), 0);
+  ASSERT_EQ(w.ui.fileQuestions.size(), 2u);
+  EXPECT_EQ(w.ui.fileQuestions[1].commentText, "Nightly");
+  EXPECT_TRUE(w.ui.fileQuestions[1].commentsEnabled);
+  EXPECT_FALSE(w.ui.fileQuestions[1].referencesEnabled);
+
   // A project not on disk only gets the message.
   ASSERT_TRUE(w.files().DeleteFile(kProjectFile).ok());
   w.ui.fileQuestions.clear();

@@ -91,6 +91,7 @@ class HeadlessProject : public platform::VBProject,
   bool IsFile(const std::string& path) const;
   void ReadItems();
   void ReadReference(std::string_view value);
+  void ReadControlReference(const ObjectLine& control);
   void ReadComponent(const RawLine& line, const ComponentKind& kind, std::string_view value);
   struct ComponentFacts {
     std::string name;

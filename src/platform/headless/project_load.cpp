@@ -56,6 +56,7 @@ void HeadlessProject::ReadItems() {
       ReadReference(value);
     } else if (rt::IEquals(pair->key, "Object")) {
       objects_.push_back(ParseObjectValue(value));
+      ReadControlReference(objects_.back());
     } else if (const ComponentKind* kind = KindForKey(pair->key)) {
       ReadComponent(line, *kind, value);
     }
@@ -79,6 +80,24 @@ void HeadlessProject::ReadReference(std::string_view value) {
     data.name = BaseName(file);
     data.broken = file.empty() || !IsFile(file);
   }
+  references_.push_back(std::make_shared<HeadlessReference>(std::move(data), typelibs_));
+}
+
+// The IDE holds the library of every control of the Components dialog in
+// References too, as a type library reference. Without the registry the
+// control's file is known only when it sits beside the project, where the IDE
+// also looks for it; anywhere else the reference reads as broken. Controls of
+// another project of the group are not references.
+void HeadlessProject::ReadControlReference(const ObjectLine& control) {
+  if (control.isProject || control.guid.empty()) return;
+  ReferenceData data;
+  data.guid = control.guid;
+  data.major = control.major;
+  data.minor = control.minor;
+  data.name = BaseName(control.file);
+  const std::string beside = control.file.empty() ? std::string() : ResolveAgainst(Folder(), control.file);
+  data.broken = beside.empty() || !IsFile(beside);
+  if (!data.broken) data.fullPath = beside;
   references_.push_back(std::make_shared<HeadlessReference>(std::move(data), typelibs_));
 }
 

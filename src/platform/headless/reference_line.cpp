@@ -78,7 +78,10 @@ ObjectLine ParseObjectValue(std::string_view value) {
   const size_t semicolon = value.find(';');
   const auto parts = SplitAt(value.substr(0, semicolon), '#');
   line.guid = rt::Trim(parts[0]);
-  if (parts.size() > 1) line.version = parts[1];
+  if (parts.size() > 1) {
+    line.version = parts[1];
+    ParseVersion(parts[1], line.major, line.minor);
+  }
   if (semicolon != std::string_view::npos) line.file = rt::Trim(value.substr(semicolon + 1));
   return line;
 }

@@ -31,6 +31,8 @@ struct ObjectLine {
   bool isProject = false;
   std::string guid;
   std::string version;  // "2.0" as written; may be absent
+  int major = 0;        // the version read as a reference's is (hexadecimal)
+  int minor = 0;
   std::string file;     // the control's file name, or the project's path
 };
 
