@@ -3,7 +3,7 @@
 ; the system's list of programs. /S installs and uninstalls silently.
 ;
 ; makensis -DVERSION=x.y.z -DBIN=<folder with Sentrune.dll and its templates>
-;          -DOUTFILE=<SentruneSetup.exe> [-DAMD64] Sentrune.nsi
+;          -DHELP=<Sentrune.chm> -DOUTFILE=<SentruneSetup.exe> [-DAMD64] Sentrune.nsi
 ; The 32-bit build is the release (the IDE is 32-bit); the 64-bit twin
 ; exists so that a 64-bit Wine can run the same installer in the tests.
 
@@ -45,11 +45,9 @@ Section "Sentrune"
   File "${BIN}\Sentrune.dll"
   File "${BIN}\VerifyClassTemplate.txt"
   File "${BIN}\AlignmentHelper.ctl"
-  !ifdef HELP
-    SetOutPath "$INSTDIR\Help"
-    File "${HELP}"
-    SetOutPath "$INSTDIR"
-  !endif
+  SetOutPath "$INSTDIR\Help"
+  File "${HELP}"
+  SetOutPath "$INSTDIR"
   ClearErrors
   ; The DLL's own registration: the class for COM (per user without
   ; administrator rights) and the entry in the IDE's add-in list.

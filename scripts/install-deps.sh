@@ -5,7 +5,7 @@ set -eu
 
 packages="build-essential cmake ninja-build pkg-config libgtest-dev libgmock-dev
 libbenchmark-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev clang
-libclang-rt-14-dev wine64-tools libwine mingw-w64 wine64 wine googletest xvfb xauth nsis"
+libclang-rt-14-dev wine64-tools libwine mingw-w64 wine64 wine googletest xvfb xauth nsis fp-utils"
 # npm fetches the SQLite amalgamation the Windows builds compile in; Debian's
 # own npm serves when the machine has no Node.js of its own.
 command -v npm >/dev/null 2>&1 || packages="$packages npm"

@@ -1,10 +1,9 @@
 #include "dialog_ui.h"
 
-#include "platform/win32/windows_api.h"
-#include <shlobj.h>
-
-#include "com_guard.h"
-#include "platform/console/console_ui.h"
+#include "common_controls.h"
+#include "file_handler_dialog.h"
+#include "folder_browser.h"
+#include "form_dialog.h"
 #include "platform/win32/win32_text.h"
 
 namespace sentrune::addin {
@@ -23,23 +22,10 @@ std::wstring DialogFilter(const std::string& filter) {
   return wide + std::wstring(2, L'\0');
 }
 
-// Opens the folder browser on the start folder.
-int CALLBACK SelectStart(HWND window, UINT message, LPARAM, LPARAM start) {
-  (void)Trap([&] {
-    if (message == BFFM_INITIALIZED && start != 0) SendMessageW(window, BFFM_SETSELECTIONW, TRUE, start);
-    return S_OK;
-  });
-  return 0;
-}
-
 }  // namespace
 
-// The run time's message box styles and answers are the system's own.
-int DialogUi::ShowMessage(const std::string& prompt, int style, const std::string& title) {
-  return MessageBoxW(owner_, Widen(prompt).c_str(), Widen(title).c_str(), static_cast<UINT>(style));
-}
-
 std::optional<std::string> DialogUi::PickFile(const std::string& title, const std::string& filter, bool save) {
+  const CommonControls controls;
   const std::wstring wideTitle = Widen(title);
   const std::wstring wideFilter = DialogFilter(filter);
   std::wstring path(32768, L'\0');
@@ -56,21 +42,15 @@ std::optional<std::string> DialogUi::PickFile(const std::string& title, const st
   return Narrow(path.c_str());
 }
 
+// The run time's message box styles and answers are the system's own.
 int DialogUi::MsgBox(const std::string& prompt, int style, const std::string& title) {
-  return ShowMessage(prompt, style, title);
+  const CommonControls controls;
+  return MessageBoxW(owner_, Widen(prompt).c_str(), Widen(title).c_str(), static_cast<UINT>(style));
 }
 
-platform::FileHandlerAnswer DialogUi::AskFileHandler(const platform::FileHandlerQuestion& q) {
-  std::string text = q.prompt + "\r\n";
-  if (!q.source.empty()) text += "\r\n" + q.sourceLabel + " " + q.source;
-  text += "\r\n" + q.destinationLabel + " " + q.destination;
-  platform::FileHandlerAnswer answer;
-  answer.button = ShowMessage(text, platform::mb::kYesNoCancel | platform::mb::kQuestion, q.caption);
-  answer.destination = q.destination;
-  answer.commentText = q.commentText;
-  answer.commentsEnabled = q.commentsEnabled;
-  answer.referencesEnabled = q.referencesEnabled;
-  return answer;
+platform::FileHandlerAnswer DialogUi::AskFileHandler(const platform::FileHandlerQuestion& question) {
+  const CommonControls controls;
+  return FileHandlerDialog(question).Ask(owner_);
 }
 
 std::optional<std::string> DialogUi::OpenFile(const std::string& title, const std::string& filter) {
@@ -82,24 +62,13 @@ std::optional<std::string> DialogUi::SaveFile(const std::string& title, const st
 }
 
 std::string DialogUi::BrowseForFolder(const std::string& title, const std::string& startFolder) {
-  const std::wstring wideTitle = Widen(title);
-  const std::wstring start = Widen(startFolder);
-  BROWSEINFOW browse{};
-  browse.hwndOwner = owner_;
-  browse.lpszTitle = wideTitle.c_str();
-  browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
-  browse.lpfn = SelectStart;
-  browse.lParam = start.empty() ? 0 : reinterpret_cast<LPARAM>(start.c_str());
-  PIDLIST_ABSOLUTE chosen = SHBrowseForFolderW(&browse);
-  if (chosen == nullptr) return {};
-  wchar_t path[MAX_PATH] = {};
-  const bool named = SHGetPathFromIDListW(chosen, path) != FALSE;
-  CoTaskMemFree(chosen);
-  return named ? Narrow(path) : std::string();
+  const CommonControls controls;
+  return addin::BrowseForFolder(owner_, title, startFolder);
 }
 
 void DialogUi::ShowForm(const platform::FormView& form) {
-  ShowMessage(console::RenderForm(form), platform::mb::kOkOnly, form.caption);
+  const CommonControls controls;
+  FormDialog(form, controls).Show(owner_);
 }
 
 }  // namespace sentrune::addin

@@ -1,8 +1,8 @@
 #pragma once
-// The add-in's user interface inside the IDE until it has forms of its own:
-// the system's message box, file dialogs and folder browser. A question of
-// the file handler becomes a Yes/No/Cancel message box that keeps the
-// proposed destination; a form model is shown as text in a message box.
+// The add-in's user interface inside the IDE: the system's message box,
+// file dialogs and folder browser, and dialogs of its own for the file
+// handler's question and for showing a form model. All of them are made
+// with version 6 of the common controls (common_controls.h).
 //
 // Every window is owned by the IDE's main window, so that it stays above
 // the IDE and disables it while it is up; by none while the add-in is not
@@ -26,7 +26,6 @@ class DialogUi : public platform::Ui {
   HWND owner() const { return owner_; }
 
  private:
-  int ShowMessage(const std::string& prompt, int style, const std::string& title);
   std::optional<std::string> PickFile(const std::string& title, const std::string& filter, bool save);
 
   HWND owner_ = nullptr;

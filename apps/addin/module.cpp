@@ -20,4 +20,11 @@ bool ModuleInUse() { return InterlockedCompareExchange(&gLocks, 0, 0) != 0; }
 
 std::string ModulePath() { return win32::OwnModulePath(); }
 
+HMODULE ThisModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     reinterpret_cast<LPCWSTR>(&ThisModule), &module);
+  return module;
+}
+
 }  // namespace sentrune::addin

@@ -1,20 +1,13 @@
 #include "vbe_timer.h"
 
 #include "com_guard.h"
+#include "module.h"
 
 namespace sentrune::addin {
 namespace {
 
 constexpr wchar_t kClassName[] = L"SentruneAddinTimer";
 constexpr UINT_PTR kTimerId = 1;
-
-// The module this code is in: the DLL inside the IDE, the program in the tests.
-HINSTANCE ThisModule() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     reinterpret_cast<LPCWSTR>(&ThisModule), &module);
-  return module;
-}
 
 }  // namespace
 

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <utility>
 
+#include "scripted_ide_controls.h"
+
 namespace sentrune::testing::ide {
 namespace {
 
@@ -10,32 +12,14 @@ namespace {
 // scenario's clicks, which wait for them.
 constexpr DWORD kPollMs = 10;
 
-std::wstring TextOf(HWND window) {
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-  return text;
-}
-
-bool IsClass(HWND window, const wchar_t* expected) {
-  wchar_t name[64] = {};
-  GetClassNameW(window, name, 64);
-  return lstrcmpiW(name, expected) == 0;
-}
-
+// A box under a box of its own is left until that one is answered.
 BOOL CALLBACK FindBox(HWND window, LPARAM found) {
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
-  if (process != GetCurrentProcessId() || !IsWindowVisible(window) || !IsClass(window, L"#32770")) return TRUE;
+  if (process != GetCurrentProcessId() || !IsWindowVisible(window) || !IsWindowEnabled(window) ||
+      !IsClass(window, L"#32770"))
+    return TRUE;
   *reinterpret_cast<HWND*>(found) = window;
-  return FALSE;
-}
-
-// The prompt is the box's one static control with text (the icon has none).
-BOOL CALLBACK FindPrompt(HWND child, LPARAM text) {
-  if (!IsClass(child, L"Static")) return TRUE;
-  std::wstring own = TextOf(child);
-  if (own.empty()) return TRUE;
-  *reinterpret_cast<std::wstring*>(text) = std::move(own);
   return FALSE;
 }
 
@@ -60,12 +44,19 @@ BoxAnswerer::~BoxAnswerer() {
 
 void BoxAnswerer::Answer(std::vector<int> buttons) {
   std::lock_guard lock(mutex_);
-  for (int button : buttons) replies_.push_back({button, {}});
+  for (int button : buttons) replies_.push_back([button](HWND) { return button; });
 }
 
 void BoxAnswerer::AnswerFile(const std::wstring& path) {
+  AnswerWith([path](HWND box) {
+    SetFileBox(box, path);
+    return IDOK;
+  });
+}
+
+void BoxAnswerer::AnswerWith(Act act) {
   std::lock_guard lock(mutex_);
-  replies_.push_back({IDOK, path});
+  replies_.push_back(std::move(act));
 }
 
 std::vector<SeenBox> BoxAnswerer::Take() {
@@ -83,23 +74,24 @@ void BoxAnswerer::Watch() {
 }
 
 void BoxAnswerer::Press(HWND box) {
-  SeenBox seen{TextOf(box), {}};
-  EnumChildWindows(box, FindPrompt, reinterpret_cast<LPARAM>(&seen.text));
-  Reply reply{GetDlgItem(box, IDCANCEL) != nullptr ? IDCANCEL : IDOK, {}};
+  SeenBox seen{TextOf(box), ContentOf(box)};
+  const int unanswered = GetDlgItem(box, IDCANCEL) != nullptr ? IDCANCEL : IDOK;
+  Act act = [unanswered](HWND) { return unanswered; };
   {
     std::lock_guard lock(mutex_);
     if (!replies_.empty()) {
-      reply = std::move(replies_.front());
+      act = std::move(replies_.front());
       replies_.pop_front();
     }
     seen_.push_back(std::move(seen));
   }
-  const int button = reply.button;
-  if (!reply.fileName.empty()) SetFileBox(box, reply.fileName);
-  SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
-  // The same box is not answered twice: it is gone before the next look.
+  const int button = act(box);
+  if (button != 0)
+    SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
+  // The same box is not answered twice: it is gone, or waits under another,
+  // before the next look.
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (IsWindow(box) && std::chrono::steady_clock::now() < deadline) Sleep(kPollMs);
+  while (IsWindow(box) && IsWindowEnabled(box) && std::chrono::steady_clock::now() < deadline) Sleep(kPollMs);
 }
 
 }  // namespace sentrune::testing::ide

@@ -1,14 +1,16 @@
 #pragma once
 // The developer in front of the scripted IDE: a thread of its own that
-// waits for each message box or file dialog this process shows (a "#32770"
-// dialog), notes its title and text, and presses the button the scenario
-// chose, or types the file the scenario chose and presses OK.
+// waits for each message box, file dialog or dialog of the add-in this
+// process shows (a "#32770" dialog), notes its title and text, and presses
+// the button the scenario chose, or types the file the scenario chose and
+// presses OK, or does what the scenario says with its controls.
 // The box's own thread stays in the box's modal loop meanwhile, as the
 // IDE's does.
 #include "platform/win32/windows_api.h"
 
 #include <atomic>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -18,7 +20,7 @@ namespace sentrune::testing::ide {
 
 struct SeenBox {
   std::wstring title;
-  std::wstring text;
+  std::wstring text;  // as ContentOf reads it (scripted_ide_controls.h)
 };
 
 // The boxes as a failure message tells them.
@@ -41,6 +43,12 @@ class BoxAnswerer {
   void Answer(std::vector<int> buttons);
   // The next box is a file dialog: this full path is typed in its file box.
   void AnswerFile(const std::wstring& path);
+  // The next box is answered by `act`, which may read and change its
+  // controls and returns the button to press; 0 when it has closed the box
+  // (through the keyboard) or opened another over it, which is answered
+  // next.
+  using Act = std::function<int(HWND box)>;
+  void AnswerWith(Act act);
   // The boxes answered so far, taken out.
   std::vector<SeenBox> Take();
 
@@ -50,11 +58,7 @@ class BoxAnswerer {
 
   std::atomic<bool> stop_{false};
   std::mutex mutex_;
-  struct Reply {
-    int button;
-    std::wstring fileName;  // typed into a file dialog first, unless empty
-  };
-  std::deque<Reply> replies_;
+  std::deque<Act> replies_;
   std::vector<SeenBox> seen_;
   std::thread thread_;
 };

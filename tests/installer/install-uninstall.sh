@@ -42,7 +42,7 @@ folder="$prefix/drive_c/users/$(id -un)/AppData/Local/Programs/Sentrune"
 uninstaller="C:\\users\\$(id -un)\\AppData\\Local\\Programs\\Sentrune\\Uninstall.exe"
 
 wine_wait "$setup" /S || fail "$setup /S failed"
-for file in Sentrune.dll VerifyClassTemplate.txt AlignmentHelper.ctl Uninstall.exe; do
+for file in Sentrune.dll VerifyClassTemplate.txt AlignmentHelper.ctl Help/Sentrune.chm Uninstall.exe; do
   [ -f "$folder/$file" ] || fail "install left no $file in $folder"
 done
 listed=$("$run" "$prefix" reg query "$addin") || fail "the IDE's add-in list has no $addin"
