@@ -24,7 +24,10 @@ bool UserWantsBatchFile(AddinState& state, const std::string& source, const std:
 
 }  // namespace
 
-std::string DeferredCopyBatch(const std::string& source, const std::string& destination) {
+std::optional<std::string> DeferredCopyBatch(const std::string& source, const std::string& destination) {
+  // A quotation mark would end the quoted path and let cmd run the rest of
+  // the line; no Windows file name holds one.
+  if (source.find('"') != std::string::npos || destination.find('"') != std::string::npos) return std::nullopt;
   return "@Echo Copying " + Quoted(source) + " to " + Quoted(destination) + "\r\n" +  //
          "@xcopy " + Quoted(source) + " " + Quoted(destination) + " /f\r\n" +        //
          "@Pause\r\n";
@@ -33,12 +36,21 @@ std::string DeferredCopyBatch(const std::string& source, const std::string& dest
 void lfncDeferredCopy(AddinState& state, const OptionSet& options, const std::string& source,
                       const std::string& destination) {
   if (!options.EnableDeferredActions) return;
+  const std::optional<std::string> batch = DeferredCopyBatch(source, destination);
+  if (!batch) {
+    lfncMsgBoxEX(state,
+                 "Sentrune did not write a batch file to copy '" + source + "' to '" + destination +
+                     "': a path holds a quotation mark (\"), which no Windows file name can hold, and the batch "
+                     "file would run what follows it as a command.",
+                 mb::kExclamation, "Permission Denied");
+    return;
+  }
   if (!UserWantsBatchFile(state, source, destination)) return;
   const std::string desktop = ShellFolderPath(state.env(), platform::kFolderDesktop);
   if (desktop.empty()) return;
   const std::string batchFile =
       rt::AddBackslash(desktop) + "Copy " + rt::StripExtension(rt::GetFileTitle(source)) + ".bat";
-  if (!state.files().WriteFile(batchFile, rt::Utf8ToCp1252(DeferredCopyBatch(source, destination)))) return;
+  if (!state.files().WriteFile(batchFile, rt::Utf8ToCp1252(*batch))) return;
   lfncMsgBoxEX(state,
                "Sentrune created the following file:\r\n" + batchFile + "\r\n" +
                    "Double click the file above after shutting VB down",

@@ -32,14 +32,24 @@ std::optional<std::string> ReferenceFile(const platform::FileSystem& fs,
   return std::nullopt;
 }
 
+// Where the control's file starts after: the ";" the IDE writes, or the
+// third "#", which the path fixer writes in its place.
+size_t FileSeparator(std::string_view value) {
+  const size_t semicolon = value.find(';');
+  if (semicolon != std::string_view::npos) return semicolon;
+  size_t at = std::string_view::npos;
+  for (int i = 0; i < 3 && (i == 0 || at != std::string_view::npos); ++i) at = value.find('#', at + 1);
+  return at;
+}
+
 // "{guid}#2.0#0; MSCOMCTL.OCX": the control's file, found beside the project
 // or in the system folder, where the IDE's registrations usually point.
 std::optional<std::string> ControlFile(AddinState& state, const std::string& projectFolder,
                                        const std::string& value) {
   const std::string trimmed = rt::Trim(value);
-  const size_t semicolon = trimmed.find(';');
-  if (trimmed.starts_with("*\\A") || semicolon == std::string::npos) return std::nullopt;
-  const std::string file = rt::Trim(rt::Replace(trimmed.substr(semicolon + 1), "\"", ""));
+  const size_t joiner = FileSeparator(trimmed);
+  if (trimmed.starts_with("*\\A") || joiner == std::string::npos) return std::nullopt;
+  const std::string file = rt::Trim(rt::Replace(trimmed.substr(joiner + 1), "\"", ""));
   if (file.empty()) return std::nullopt;
   std::vector<std::string> candidates;
   if (rt::ParseWinPath(file)) {

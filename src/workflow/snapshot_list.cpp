@@ -21,12 +21,14 @@ bool OneOf(const std::array<std::string_view, N>& keys, const std::string& key) 
 
 std::string WithoutQuotes(std::string_view text) { return rt::Replace(text, "\"", ""); }
 
-// "Name; file" for classes and modules: the file is after the ";".
+// "Name; file" for classes and modules: the file is after the ";", or after
+// the "#" the path fixer joins them with.
 std::string FileOfValue(const ProjectFileEntry& entry) {
   std::string value = WithoutQuotes(entry.value);
   if (entry.key == "class" || entry.key == "module") {
-    const size_t semicolon = value.find(';');
-    if (semicolon != std::string::npos) value = value.substr(semicolon + 1);
+    size_t joiner = value.find(';');
+    if (joiner == std::string::npos) joiner = value.find('#');
+    if (joiner != std::string::npos) value = value.substr(joiner + 1);
   }
   return rt::Trim(value);
 }
@@ -84,15 +86,14 @@ std::string RootAsFolder(const std::string& root) {
 }  // namespace
 
 std::vector<std::string> ProjectFileLines(std::string_view projectText) {
+  if (projectText.starts_with("\xEF\xBB\xBF")) projectText.remove_prefix(3);
   std::vector<std::string> lines;
   size_t start = 0;
   while (start < projectText.size()) {
-    size_t end = projectText.find('\n', start);
+    size_t end = projectText.find_first_of("\r\n", start);
     if (end == std::string_view::npos) end = projectText.size();
-    std::string line(projectText.substr(start, end - start));
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(std::move(line));
-    start = end + 1;
+    lines.emplace_back(projectText.substr(start, end - start));
+    start = end + (projectText.substr(end).starts_with("\r\n") ? 2 : 1);
   }
   return lines;
 }

@@ -118,5 +118,30 @@ TEST(ProjectCommands, SnapshotTimesAndWatchOnASmallProject) {
   EXPECT_EQ(watch.out.find("Watching"), std::string::npos) << watch.out;
 }
 
+// Project files as other tools leave them: the path fixer's "#" joiner, an
+// editor's byte order mark, a Mac editor's CR line ends. Each is read, and a
+// snapshot takes the class it names.
+TEST(ProjectCommands, ProjectFilesOtherToolsWroteAreRead) {
+  const std::pair<const char*, std::string> variants[] = {
+      {"fixer's joiner", "Type=OleDll\r\nClass=Widget#widget.cls\r\nName=\"Widgets\"\r\n"},
+      {"byte order mark", "\xEF\xBB\xBFType=OleDll\r\nClass=Widget; Widget.cls\r\nName=\"Widgets\"\r\n"},
+      {"CR line ends", "Type=OleDll\rClass=Widget; Widget.cls\rName=\"Widgets\"\r"},
+  };
+  for (const auto& [variant, vbp] : variants) {
+    SCOPED_TRACE(variant);
+    Widgets cli;
+    cli.temp.Write("Widgets/Widgets.vbp", vbp);
+    const CliRun snapshot = cli.Run({"snapshot", cli.project});
+    ASSERT_EQ(snapshot.status, 0) << snapshot.err;
+    const size_t at = snapshot.out.find("Snapshot: ");
+    ASSERT_NE(at, std::string::npos) << snapshot.out;
+    const std::filesystem::path folder = snapshot.out.substr(at + 10, snapshot.out.find('\n', at) - at - 10);
+    EXPECT_TRUE(std::filesystem::exists(folder / "Widget.cls") || std::filesystem::exists(folder / "widget.cls"))
+        << folder;
+    // The file itself comes back as it was.
+    EXPECT_EQ(ReadHostFile(folder / "Widgets.vbp"), vbp);
+  }
+}
+
 }  // namespace
 }  // namespace sentrune::testing

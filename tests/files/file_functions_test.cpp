@@ -96,6 +96,14 @@ TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFileWhenAllowed) {
     EXPECT_TRUE(world->files().Record().written.empty());
   }
   EXPECT_TRUE(off.ui.boxes.empty());
+
+  // A quotation mark in a project's ExeName32 would end the quoted path: the
+  // line is refused, and said so, before anything is asked.
+  FilesWorld injected;
+  lfncDeferredCopy(injected.state, injected.options, "C:\\a\\W\" & calc & \".dll", "C:\\b\\W.dll");
+  EXPECT_TRUE(injected.files().Record().written.empty());
+  ASSERT_EQ(injected.ui.boxes.size(), 1u);
+  EXPECT_NE(injected.ui.boxes[0].prompt.find("quotation mark"), std::string::npos) << injected.ui.boxes[0].prompt;
 }
 
 TEST(Rotation, KeepsTheNewestFilesOfTheExtensionWhateverTheirComponent) {

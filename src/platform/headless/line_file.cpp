@@ -26,19 +26,22 @@ bool IsSectionHeader(std::string_view line) {
 
 LineFile LineFile::Parse(std::string_view bytes) {
   LineFile file;
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  file.byteOrderMark_ = bytes.starts_with(kByteOrderMark);
+  if (file.byteOrderMark_) bytes.remove_prefix(kByteOrderMark.size());
   size_t pos = 0;
   while (pos < bytes.size()) {
-    const size_t lf = bytes.find('\n', pos);
+    const size_t end = bytes.find_first_of("\r\n", pos);
     RawLine line;
     line.id = file.nextId_++;
-    if (lf == std::string_view::npos) {
+    if (end == std::string_view::npos) {
       line.text = bytes.substr(pos);
       pos = bytes.size();
     } else {
-      const bool crlf = lf > pos && bytes[lf - 1] == '\r';
-      line.text = bytes.substr(pos, lf - pos - (crlf ? 1 : 0));
-      line.eol = crlf ? "\r\n" : "\n";
-      pos = lf + 1;
+      line.text = bytes.substr(pos, end - pos);
+      const bool crlf = bytes[end] == '\r' && end + 1 < bytes.size() && bytes[end + 1] == '\n';
+      line.eol = crlf ? "\r\n" : std::string(1, bytes[end]);
+      pos = end + line.eol.size();
     }
     file.lines_.push_back(std::move(line));
   }
@@ -46,7 +49,7 @@ LineFile LineFile::Parse(std::string_view bytes) {
 }
 
 std::string LineFile::Serialize() const {
-  std::string out;
+  std::string out = byteOrderMark_ ? "\xEF\xBB\xBF" : "";
   for (const RawLine& line : lines_) out.append(line.text).append(line.eol);
   return out;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // A project or group file kept as the raw bytes of its lines, so that saving
-// rewrites only the lines that were edited: line breaks (CR LF or LF alone),
-// odd lines and non-ASCII bytes of every other line come back unchanged.
+// rewrites only the lines that were edited: line breaks (CR LF, LF or CR
+// alone), a UTF-8 byte order mark, odd lines and non-ASCII bytes of every
+// other line come back unchanged.
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,7 +14,7 @@ namespace sentrune::headless {
 struct RawLine {
   uint32_t id = 0;    // stable across edits of other lines
   std::string text;   // the line's bytes without its break
-  std::string eol;    // "\r\n", "\n" or "" (a last line without a break)
+  std::string eol;    // "\r\n", "\n", "\r" or "" (a last line without a break)
 };
 
 // A line taken apart at its first "=", key and value trimmed of blanks.
@@ -28,7 +29,7 @@ bool IsSectionHeader(std::string_view line);
 
 class LineFile {
  public:
-  // Splits at LF; a CR before the LF belongs to the break.
+  // Splits at CR LF, LF or CR; a byte order mark is no part of the first line.
   static LineFile Parse(std::string_view bytes);
   std::string Serialize() const;
 
@@ -57,6 +58,7 @@ class LineFile {
 
   std::vector<RawLine> lines_;
   uint32_t nextId_ = 1;
+  bool byteOrderMark_ = false;
 };
 
 }  // namespace sentrune::headless

@@ -105,10 +105,13 @@ void HeadlessProject::ReadComponent(const RawLine& line, const ComponentKind& ki
   std::string declaredName;
   std::string path = kind.quotedValue ? Unquote(value) : std::string(value);
   if (kind.namedLine) {
-    const size_t semicolon = path.find(';');
-    if (semicolon != std::string::npos) {
-      declaredName = rt::Trim(path.substr(0, semicolon));
-      path = rt::Trim(path.substr(semicolon + 1));
+    // "Name; path" as the IDE writes it, or "Name#path" as the path fixer
+    // rewrites it.
+    size_t joiner = path.find(';');
+    if (joiner == std::string::npos) joiner = path.find('#');
+    if (joiner != std::string::npos) {
+      declaredName = rt::Trim(path.substr(0, joiner));
+      path = rt::Trim(path.substr(joiner + 1));
     }
   }
   const std::string fullPath = ResolveAgainst(Folder(), path);

@@ -75,6 +75,8 @@ ObjectLine ParseObjectValue(std::string_view value) {
     line.file = value.substr(3);
     return line;
   }
+  // "{guid}#version#lcid; file" as the IDE writes it, or
+  // "{guid}#version#lcid#file" as the path fixer rewrites it.
   const size_t semicolon = value.find(';');
   const auto parts = SplitAt(value.substr(0, semicolon), '#');
   line.guid = rt::Trim(parts[0]);
@@ -82,7 +84,12 @@ ObjectLine ParseObjectValue(std::string_view value) {
     line.version = parts[1];
     ParseVersion(parts[1], line.major, line.minor);
   }
-  if (semicolon != std::string_view::npos) line.file = rt::Trim(value.substr(semicolon + 1));
+  if (semicolon != std::string_view::npos) {
+    line.file = rt::Trim(value.substr(semicolon + 1));
+  } else if (parts.size() > 3) {
+    const size_t fourth = value.find('#', value.find('#', value.find('#') + 1) + 1);
+    line.file = rt::Trim(value.substr(fourth + 1));
+  }
   return line;
 }
 

@@ -261,73 +261,72 @@ TEST_F(HeadlessProjectFile, FailedWritesLeaveTheFileAndReportTheError) {
 
 // fixtures/vbp/G as C:\G: a group of two projects, the second referencing the
 // first, plus a member that is missing.
-void AddGroup(FakeFileSystem& fs) { AddFixtureTree(fs, "G", "C:\\G"); }
-
-TEST(HeadlessIdeGroups, OpenEveryMemberAndActivateTheStartupProject) {
+class HeadlessGroup : public ::testing::Test {
+ protected:
+  HeadlessGroup() { AddFixtureTree(fs, "G", "C:\\G"); }
   FakeFileSystem fs;
-  AddGroup(fs);
-  HeadlessIde ide(fs);
+  std::unique_ptr<HeadlessIde> ide = std::make_unique<HeadlessIde>(fs);
+};
+
+TEST_F(HeadlessGroup, OpenEveryMemberAndActivateTheStartupProject) {
   Recorder projects;
-  const auto subscription = ide.Events().VBProjectsEvents(projects);
-  const auto opened = ide.Open("C:\\G\\Suite.vbg");
+  const auto subscription = ide->Events().VBProjectsEvents(projects);
+  const auto opened = ide->Open("C:\\G\\Suite.vbg");
   ASSERT_TRUE(opened.ok());
   ASSERT_EQ(opened->projects.size(), 2u);
   ASSERT_EQ(opened->problems.size(), 1u);
   EXPECT_NE(opened->problems[0].description.find("C:\\G\\Gone\\Gone.vbp"), std::string::npos);
-  EXPECT_EQ(ide.ActiveVBProject(), opened->projects[1]);
+  EXPECT_EQ(ide->ActiveVBProject(), opened->projects[1]);
   EXPECT_EQ(projects.heard, (Lines{"ProjectAdded CoreLib", "ProjectAdded App", "ProjectActivated App"}));
 
   // A project reference takes the name of the open project it points to.
-  const auto app = ide.FindProject("app");
-  ASSERT_TRUE(ide.RenameProject(ide.FindProject("CoreLib"), "Core").ok());
+  const auto app = ide->FindProject("app");
+  ASSERT_TRUE(ide->RenameProject(ide->FindProject("CoreLib"), "Core").ok());
   EXPECT_EQ(*app->References()[0]->Name(), "Core");
 
   projects.heard.clear();
-  ASSERT_TRUE(ide.Open("C:\\G\\Suite.vbg").ok());
-  EXPECT_EQ(ide.VBProjects().size(), 2u);
+  ASSERT_TRUE(ide->Open("C:\\G\\Suite.vbg").ok());
+  EXPECT_EQ(ide->VBProjects().size(), 2u);
   EXPECT_EQ(projects.heard, Lines{}) << "opening the group again opens nothing new";
   fs.AddFile("C:\\G\\Bad.vbg", "Project=Lib\\Lib.vbp\r\n");
-  EXPECT_FALSE(ide.Open("C:\\G\\Bad.vbg").ok());
+  EXPECT_FALSE(ide->Open("C:\\G\\Bad.vbg").ok());
 }
 
-TEST(HeadlessIdeEvents, ProjectEventsReachOnlyTheirOwnSinks) {
-  FakeFileSystem fs;
-  AddGroup(fs);
-  HeadlessIde ide(fs);
-  ASSERT_TRUE(ide.Open("C:\\G\\Suite.vbg").ok());
-  const auto lib = ide.FindProject("CoreLib");
-  const auto app = ide.FindProject("App");
+TEST_F(HeadlessGroup, ProjectEventsReachOnlyTheirOwnSinks) {
+  ASSERT_TRUE(ide->Open("C:\\G\\Suite.vbg").ok());
+  const auto lib = ide->FindProject("CoreLib");
+  const auto app = ide->FindProject("App");
   Recorder libSink, appSink;
-  auto libComponents = ide.Events().VBComponentsEvents(lib, libSink);
-  auto libFiles = ide.Events().FileControlEvents(lib, libSink);
-  auto appComponents = ide.Events().VBComponentsEvents(app, appSink);
-  auto appFiles = ide.Events().FileControlEvents(app, appSink);
+  auto libComponents = ide->Events().VBComponentsEvents(lib, libSink);
+  auto libFiles = ide->Events().FileControlEvents(lib, libSink);
+  auto appComponents = ide->Events().VBComponentsEvents(app, appSink);
+  auto appFiles = ide->Events().FileControlEvents(app, appSink);
 
   const auto thing = lib->VBComponents()[0];
-  ASSERT_TRUE(ide.SelectComponent(thing).ok());
-  ASSERT_TRUE(ide.ActivateComponent(app->VBComponents()[0]).ok());
-  EXPECT_EQ(ide.ActiveWindow()->Caption(), "App - Main (Code)");
+  ASSERT_TRUE(ide->SelectComponent(thing).ok());
+  ASSERT_TRUE(ide->ActivateComponent(app->VBComponents()[0]).ok());
+  EXPECT_EQ(ide->ActiveWindow()->Caption(), "App - Main (Code)");
   appSink.cancelWrites = true;
-  EXPECT_TRUE(*ide.FireRequestWriteFile(app, "C:\\G\\App\\App.exe"));
-  EXPECT_FALSE(*ide.FireRequestWriteFile(lib, "C:\\G\\Lib\\CoreLib.dll"));
+  EXPECT_TRUE(*ide->FireRequestWriteFile(app, "C:\\G\\App\\App.exe"));
+  EXPECT_FALSE(*ide->FireRequestWriteFile(lib, "C:\\G\\Lib\\CoreLib.dll"));
   EXPECT_EQ(libSink.heard, (Lines{"Selected Thing", "RequestWriteFile CoreLib C:\\G\\Lib\\CoreLib.dll"}));
   EXPECT_EQ(appSink.heard, (Lines{"Activated Main", "RequestWriteFile App C:\\G\\App\\App.exe"}));
 
   // Ending a subscription ends the events, the other kind goes on.
   libSink.heard.clear();
   libComponents.reset();
-  ASSERT_TRUE(ide.SelectComponent(thing).ok());
+  ASSERT_TRUE(ide->SelectComponent(thing).ok());
   ASSERT_TRUE(lib->Save().ok());
   EXPECT_EQ(libSink.heard, (Lines{"AfterWriteFile CoreLib 3 C:\\G\\Lib\\Lib.vbp 0"}));
 
   // A closed project raises nothing and takes no new sinks.
-  ASSERT_TRUE(ide.Close(lib).ok());
+  ASSERT_TRUE(ide->Close(lib).ok());
   libSink.heard.clear();
-  EXPECT_FALSE(ide.FireAfterWriteFile(lib, platform::vbext_ft_Exe, "x", 0).ok());
+  EXPECT_FALSE(ide->FireAfterWriteFile(lib, platform::vbext_ft_Exe, "x", 0).ok());
   ASSERT_TRUE(lib->Save().ok());
   EXPECT_EQ(libSink.heard, Lines{});
-  EXPECT_EQ(ide.Events().FileControlEvents(lib, libSink), nullptr);
-  EXPECT_EQ(ide.SelectedVBComponent(), nullptr) << "the selected component left with its project";
+  EXPECT_EQ(ide->Events().FileControlEvents(lib, libSink), nullptr);
+  EXPECT_EQ(ide->SelectedVBComponent(), nullptr) << "the selected component left with its project";
 }
 
 // Unsubscribes another sink from inside a handler.
@@ -337,10 +336,7 @@ class Dropper : public platform::VBComponentsEventsSink {
   void ItemSelected(const platform::ComponentPtr&) override { victim->reset(); }
 };
 
-TEST(HeadlessIdeEvents, SinksMayUnsubscribeDuringDeliveryAndAfterTheIdeIsGone) {
-  FakeFileSystem fs;
-  AddGroup(fs);
-  auto ide = std::make_unique<HeadlessIde>(fs);
+TEST_F(HeadlessGroup, SinksMayUnsubscribeDuringDeliveryAndAfterTheIdeIsGone) {
   ASSERT_TRUE(ide->Open("C:\\G\\Lib\\Lib.vbp").ok());
   const auto lib = ide->FindProject("CoreLib");
   Dropper dropper;
