@@ -16,14 +16,16 @@ constexpr const char* kCompatBase = "CompatBase";
 using StepOption = std::array<int16_t, kProjectTypeCount> OptionSet::*;
 
 // Compares the component with the model and shows what differs; when
-// nothing does, says so only to a user who asked for the comparison.
+// nothing does, says so only to a user who asked for the comparison. A file
+// that could not be read (a negative result) has been reported as such, and
+// is no comparison that found nothing.
 int32_t CompareWithModel(AddinState& state, const std::string& component, const std::string& model,
                          bool asked) {
   frmInstallDetails details(state);
   const int32_t differences = details.CompareComps(component, model);
   if (differences > 0) {
     details.Show("Comparison Results");
-  } else if (asked) {
+  } else if (differences == 0 && asked) {
     lfncMsgBoxEX(state, "No Differences Detected.", mb::kOkOnly, "Sentrune");
   }
   return differences;

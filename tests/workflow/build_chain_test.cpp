@@ -132,6 +132,17 @@ TEST(BuildChain, EachQuestionDecidesItsStepAlone) {
   EXPECT_EQ(w.ui.Prompts(), Strings{"No Differences Detected."});
   ASSERT_EQ(w.ui.forms.size(), 1u);
   EXPECT_NE(w.ui.forms[0].text.find(" Differences Found.\r\n--> "), std::string::npos);
+
+  // A model with no type library in it is not a model that matches.
+  WorkflowWorld broken;
+  broken.files().AddFile(kModel1, "not a component", kFirstBuild);
+  ASSERT_TRUE(broken.project->SetCompatibleOleServer(kModel1).ok());
+  broken.files().AddFile(kComponent, Widgets("1.0"), kFirstBuild);
+  broken.SetEveryStep(0);
+  broken.options.CompareCompsBefore[platform::vbext_pt_ActiveXDll] = 2;
+  broken.ui.QueueFileHandler(Reply(mb::kYes));
+  broken.Build("1.1", kSecondBuild);
+  EXPECT_EQ(broken.ui.Prompts(), (Strings{"The file doesn't contain a valid TypeLib.\r\nSelect another file."}));
 }
 
 // A step that ends the chain leaves what it would have replaced as it was:
