@@ -1,7 +1,7 @@
 # The two commands of the README: `make run` and `make test`.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps configure build run test test-linux test-windows windows test-asan fuzz bench clean
+.PHONY: all deps configure build run test test-linux test-windows windows screenshots test-asan fuzz bench clean
 
 all: build
 
@@ -40,6 +40,21 @@ test-windows: windows
 windows: build-win32/build.ninja build-win64/build.ninja
 	@cmake --build build-win32 -j $(JOBS)
 	@cmake --build build-win64 -j $(JOBS)
+
+# Pictures of the add-in's dialogs for the documentation, into
+# docs/screenshots/: the x86_64 program that plays the IDE, under wine64 on a
+# virtual display of its own (large enough for the largest dialog), in a
+# fresh Wine prefix of its own. No window manager runs there: Wine is told
+# to draw the windows' frames and captions itself.
+SHOTS_PREFIX = $(CURDIR)/build-win64/wine-prefix-shots
+screenshots: build-win64/build.ninja
+	@cmake --build build-win64 -j $(JOBS) --target addin_screenshots
+	@rm -rf $(SHOTS_PREFIX)
+	@scripts/wine-run $(SHOTS_PREFIX) reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null
+	@# The program's Wine starts afresh, on the virtual display.
+	@WINEPREFIX=$(SHOTS_PREFIX) wineserver -w
+	@xvfb-run -a -s "-screen 0 1920x1080x24" scripts/wine-run $(SHOTS_PREFIX) \
+		build-win64/screenshots/addin_screenshots.exe $(CURDIR)/docs/screenshots
 
 third_party/sqlite/sqlite3.c: | deps
 	@scripts/fetch-sqlite.sh
