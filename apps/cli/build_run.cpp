@@ -1,5 +1,6 @@
 #include "build_run.h"
 
+#include <algorithm>
 #include <ostream>
 
 #include "build_verdict.h"
@@ -56,9 +57,10 @@ void PrintReport(std::ostream& out, const BuildReport& report, const BuildVerdic
 // A build that went wrong, or broke what --fail-on guards, ends with 1.
 void Conclude(Session& session, const BuildArgs& args, int16_t written, const BuildReport& report,
               const BuildVerdict& verdict) {
-  const BuildReport::Step* last = report.EndedBy();
+  const bool stepFailed =
+      std::ranges::any_of(report.steps, [](const BuildReport::Step& step) { return step.code != 0; });
   const bool beforeFailed = report.differencesBefore && *report.differencesBefore < 0;
-  if (written != 0 || (last && last->code != 0) || beforeFailed) session.exitCode = kExitStopped;
+  if (written != 0 || stepFailed || beforeFailed || report.historyError != 0) session.exitCode = kExitStopped;
   if (!verdict.problem.empty()) session.Stop(verdict.problem);
   if (args.failOn.empty()) return;
   if (!verdict.level) {

@@ -84,6 +84,7 @@ int Run(HostPlatform& host, int argc, const char* const* argv, std::istream& in,
     session.out << app.help();
     return kExitOk;
   }
+  session.ReportFailedDatabases();
   return session.exitCode;
 }
 

@@ -1,6 +1,8 @@
 // `sentrune fix-paths`: makes the absolute paths on a project file's own
 // drive relative to it, after backing the file up.
+#include <filesystem>
 #include <ostream>
+#include <system_error>
 
 #include "commands.h"
 #include "files/path_fixer.h"
@@ -15,6 +17,13 @@ namespace {
 
 using Outcome = PathFixResult::Outcome;
 
+// " to " and where the link leads, for a user who runs the command there.
+std::string LinkTarget(Session& session, const std::string& link) {
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::canonical(session.ToHostPath(link), error);
+  return error ? std::string() : " to " + target.string();
+}
+
 // The fixer has told the user through its own boxes and report window; this
 // adds what a script needs: which file, where the files went and the exit
 // status.
@@ -27,6 +36,9 @@ void Conclude(Session& session, const PathFixResult& result, const std::string& 
       return;
     case Outcome::kReadOnly:
       return session.Fail(argument + ": is read-only; nothing was changed");
+    case Outcome::kLink:
+      return session.Fail(argument + ": is a symbolic link" + LinkTarget(session, result.projectFile) +
+                          "; nothing was changed: run fix-paths on the file it points to");
     case Outcome::kNotBackedUp:
       return session.Stop(argument + ": no backup could be made at '" + session.ToHostPath(result.backupFile) +
                           "'; nothing was changed");
@@ -60,7 +72,8 @@ void FixPaths(Session& session, const std::string& argument) {
 void SetUpFixPaths(CLI::App& command, Session& session) {
   command.footer(
       "Only paths on the project's own drive, to files that exist, are rewritten. The file is\n"
-      "backed up into its backup folder first and left alone when that backup fails.");
+      "backed up into its backup folder first and left alone when that backup fails. A project\n"
+      "file that is a symbolic link is refused: run fix-paths on the file it points to.");
   command.add_option("project", RunWith(command, session, FixPaths), "The .vbp file")->required();
 }
 

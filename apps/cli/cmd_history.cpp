@@ -38,6 +38,8 @@ void ListBuilds(Session& session, const platform::VBProject& project, bool json)
   clsJet351 jet(session.state());
   jet.SetCurrentDBName(TrackingDatabaseName(project));
   const std::vector<BuildHistoryRecord> builds = jet.BuildHistory();
+  // Named as the command ends; its builds are unknown, not none.
+  if (session.state().failedDatabases.contains(jet.CurrentDBName())) return;
   if (json) {
     Json list = Json::array();
     for (const BuildHistoryRecord& b : builds)

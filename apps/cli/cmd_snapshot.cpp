@@ -56,7 +56,8 @@ void SetUpSnapshot(CLI::App& command, Session& session) {
   command.footer(
       "The project file and every source file it names are copied, in their places relative to\n"
       "the project folder, into \"<name> <date>\" beside the project (or under the base folder\n"
-      "chosen last time). Files named outside the project folder go under \"_outside\".\n"
+      "chosen last time); a name already taken gets \" (2)\", \" (3)\"..., and a symbolic link of\n"
+      "that name is refused. Files named outside the project folder go under \"_outside\".\n"
       "As in the IDE's dialog, the comment goes to \"_Snapshot_ReadME.txt\" (read-only) and the\n"
       "dependencies (referenced type libraries and controls) to \"Dependencies\\\"; without the\n"
       "options the dialog's defaults (DefaultStoreComment, DefaultGatherDepens) decide. The\n"

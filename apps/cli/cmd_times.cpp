@@ -13,18 +13,17 @@
 namespace sentrune::cli {
 namespace {
 
-// Whether the project's database holds any total; reading creates no file.
-bool AnyTimeRecorded(Session& session, const platform::VBProject& project) {
-  clsJet351 jet(session.state());
-  jet.SetCurrentDBName(TrackingDatabaseName(project));
-  jet.LoadTimerJobs();
-  return !jet.TimerJobs().empty();
-}
-
 void ShowTimes(Session& session, const std::string& argument) {
   const platform::ProjectPtr project = OpenOneProject(session, argument);
   if (!project) return;
-  if (AnyTimeRecorded(session, *project)) return session.connect().tracker()->ShowTimerJobs(session.options());
+  // Reading creates no file.
+  clsJet351 jet(session.state());
+  jet.SetCurrentDBName(TrackingDatabaseName(*project));
+  jet.LoadTimerJobs();
+  // A database that cannot be read is not "no time": it is named as the
+  // command ends.
+  if (session.state().failedDatabases.contains(jet.CurrentDBName())) return;
+  if (!jet.TimerJobs().empty()) return session.connect().tracker()->ShowTimerJobs(session.options());
   session.out << "No time recorded for " << project->Name() << " yet. Time is recorded while `sentrune watch "
               << argument << "` runs, or while the add-in is loaded in the VB6 IDE";
   if (!session.options().options().TrackTime)

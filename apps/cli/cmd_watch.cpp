@@ -107,7 +107,8 @@ bool KeepsTotals(Session& session) {
     return false;
   }
   const bool missing = !session.state().files().GetAttributes(jet->CurrentDBName()).ok();
-  if (!missing) return true;
+  // One whose totals could not be loaded keeps none (named as the command ends).
+  if (!missing) return !session.state().failedDatabases.contains(jet->CurrentDBName());
   if (jet->CreateIfMissing() != 0) {
     session.Stop("cannot create the tracking database " + session.ToHostPath(jet->CurrentDBName()));
     return false;

@@ -41,14 +41,14 @@ constexpr struct {
     {"demo", "a build of the story could not do its work"},
     {"inspect", "the XML or IDL could not be written"},
     {"compare", "the builds differ (with --fail-on incompatible: A is incompatible with B)"},
-    {"fix-paths", "the project file could not be backed up or rewritten (read-only: 2)"},
+    {"fix-paths", "the project file could not be backed up or rewritten (read-only or a link: 2)"},
     {"watch", "the files could not be watched or the totals kept"},
     {"verify", "a component failed"},
     {"verify-class", "the class was not added"},
     {"add-align-control", "the control was not added"},
     {"details", "a component failed"},
     {"refs", "a project of the group could not be opened (none: 2)"},
-    {"history", "a dated copy could not be read"},
+    {"history", "the tracking database or a dated copy could not be read"},
     {"snapshot", "the snapshot could not be made"},
 };
 

@@ -11,6 +11,7 @@
 #include "platform/console/console_ui.h"
 #include "platform/headless/headless_ide.h"
 #include "settings/options_handler.h"
+#include "tracking/sqlite_image.h"
 #include "verify/frm_install_details.h"
 
 namespace sentrune::cli {
@@ -58,6 +59,16 @@ void Session::Fail(const std::string& message) {
 void Session::Stop(const std::string& message) {
   err << "sentrune: " << message << '\n';
   if (exitCode != kExitBadInput) exitCode = kExitStopped;
+}
+
+void Session::ReportFailedDatabases() {
+  if (!parts_) return;
+  for (const auto& [file, error] : state().failedDatabases) {
+    Stop(ToHostPath(file) + (error.number == jeterr::kUnrecognizedFormat
+                                 ? ": the tracking database cannot be read (damaged, or no database); it "
+                                   "was left as it is"
+                                 : ": the tracking database could not be used: " + error.description));
+  }
 }
 
 rt::Status Session::Open() {

@@ -67,6 +67,9 @@ class Session {
   // Reports a step that could not do its work and sets the exit status to 1
   // (bad input, already reported, keeps its 2).
   void Stop(const std::string& message);
+  // Once the command has run: names each tracking database it could not
+  // use, which is a step that could not do its work.
+  void ReportFailedDatabases();
 
  private:
   struct Parts;

@@ -1,5 +1,5 @@
-// The writing half of modFileFunctions: clearing a target, the guarded copy
-// and text files.
+// The writing half of modFileFunctions: the guarded copy, which puts only
+// whole files in place, and text files.
 #include "files/deferred_copy.h"
 #include "files/file_functions.h"
 #include "files/trapped_error.h"
@@ -12,7 +12,10 @@ namespace {
 
 namespace mb = platform::mb;
 
-rt::Status ClearAndDelete(AddinState& state, const std::string& target) {
+constexpr const char* kCopyTitle = "modFileFunctions:lfncCopyFileEX";
+
+// A replaced target goes in one rename, which a read-only file refuses.
+rt::Status MakeWritable(AddinState& state, const std::string& target) {
   platform::FileSystem& fs = state.files();
   const rt::Result<uint32_t> attributes = fs.GetAttributes(target);
   if (!attributes) return attributes.error();
@@ -21,9 +24,42 @@ rt::Status ClearAndDelete(AddinState& state, const std::string& target) {
       return cleared;
     state.env().DoEvents();
   }
-  if (rt::Status deleted = fs.DeleteFile(target); !deleted) return deleted;
-  state.env().DoEvents();
   return {};
+}
+
+// Every byte of the source arrived: a full disk can leave a short copy
+// behind a copy call that reported none.
+rt::Status CheckComplete(const platform::FileSystem& fs, const std::string& source, const std::string& copy) {
+  const rt::Result<std::string> original = fs.ReadFile(source);
+  if (!original) return original.error();
+  const rt::Result<std::string> copied = fs.ReadFile(copy);
+  if (!copied) return copied.error();
+  if (copied->size() == original->size()) return {};
+  return rt::MakeError(rt::errnum::kDiskFull, rt::DescribeError(rt::errnum::kDiskFull) + ": " + copy);
+}
+
+void Discard(platform::FileSystem& fs, const std::string& temporary) {
+  if (!lfncFileExists(fs, temporary)) return;
+  (void)fs.SetAttributes(temporary, platform::kAttrArchive);
+  (void)fs.DeleteFile(temporary);
+}
+
+// Copies beside the destination under a temporary name and renames the
+// whole copy into place (the file system flushes it first), so that the
+// destination is never a partial file and a failure leaves no file behind.
+// `replacing` tells a failure to replace the destination from one to copy.
+rt::Status CopyWhole(platform::FileSystem& fs, const std::string& source, const std::string& destination,
+                     bool& replacing) {
+  const std::string temporary = rt::GetFolder(destination) + "~" + rt::GetFileTitle(destination) + ".tmp";
+  replacing = false;
+  rt::Status status = fs.CopyFile(source, temporary, false);
+  if (status) status = CheckComplete(fs, source, temporary);
+  if (status) {
+    replacing = lfncFileExists(fs, destination);
+    status = fs.RenameReplace(temporary, destination);
+  }
+  if (!status) Discard(fs, temporary);
+  return status;
 }
 
 rt::Status WriteText(AddinState& state, const std::string& path, const std::string& text, bool append,
@@ -54,23 +90,29 @@ int32_t lfncPrepareOverwrite(AddinState& state, const std::string& target, bool 
     // A box suppressed during unload (answer 0) is no consent to overwrite.
     if (answer == mb::kCancel || answer == 0) return 2;
   }
-  const rt::Status cleared = ClearAndDelete(state, target);
-  return cleared ? -1 : cleared.code();
+  const rt::Status writable = MakeWritable(state, target);
+  return writable ? -1 : writable.code();
 }
 
 int32_t lfncCopyFileEX(AddinState& state, const OptionSet& options, const std::string& source,
                        const std::string& destination, bool /*reserved*/, bool silent) {
-  if (!lfncEnsureFolder(state.files(), rt::GetFolder(destination))) return 0;
+  platform::FileSystem& fs = state.files();
+  if (rt::Status folder = fs.MakeSureDirectoryPathExists(rt::GetFolder(destination)); !folder)
+    return ReportTrappedError(state, folder.error(), kCopyTitle);
   const int32_t prepared = lfncPrepareOverwrite(state, destination, silent);
   if (prepared == 2) return 2;
-  if (prepared == rt::errnum::kPermissionDenied) {
+  bool replacing = true;
+  const rt::Status copied =
+      prepared == -1 ? CopyWhole(fs, source, destination, replacing)
+                     : rt::Status(rt::MakeError(prepared, rt::DescribeError(prepared) + ": " + destination));
+  if (copied) return 0;
+  // A destination in use (the IDE holds components loaded) can be replaced
+  // once the IDE is closed.
+  if (replacing && copied.code() == rt::errnum::kPermissionDenied) {
     lfncDeferredCopy(state, options, source, destination);
     return 7;
   }
-  // Callers have always treated a copy that gets this far as done; a failure
-  // here shows up as a missing file, not as a result code.
-  (void)state.files().CopyFile(source, destination, false);
-  return 0;
+  return ReportTrappedError(state, copied.error(), kCopyTitle);
 }
 
 int32_t lfncWriteTextFile(AddinState& state, const std::string& path, const std::string& text, bool append,

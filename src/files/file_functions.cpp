@@ -75,4 +75,12 @@ std::string lfncMakeBackupName(const platform::FileSystem& fs, const OptionSet& 
          rt::GetExtension(title);
 }
 
+std::string UnusedName(const platform::FileSystem& fs, const std::string& path) {
+  const std::string title = rt::GetFileTitle(path);
+  const std::string stem = rt::GetFolder(path) + rt::StripExtension(title), extension = rt::GetExtension(title);
+  std::string name = path;
+  for (int n = 2; fs.GetAttributes(name).ok(); ++n) name = stem + " (" + std::to_string(n) + ")" + extension;
+  return name;
+}
+
 }  // namespace sentrune

@@ -32,16 +32,21 @@ std::string lfncRelativePath(const platform::FileSystem& fs, const std::string& 
 std::string lfncMakeBackupName(const platform::FileSystem& fs, const OptionSet& options,
                                const std::string& component, const std::string& baseFolder);
 
-// Clears the way for writing `target`: -1 when it may be written (it was
-// missing or has been deleted), 2 when the user refused to overwrite it, else
-// the error number that stopped the delete (70: permission denied).
+// `path` when nothing has that name yet, else the first free name of the form
+// "Widgets-2004.05.06-14.03.09 (2).dll": two builds within one second of
+// file time must not make the second dated copy replace the first.
+std::string UnusedName(const platform::FileSystem& fs, const std::string& path);
+
+// Clears the way for writing `target`: -1 when it may be written (it is
+// missing, or writable now and replaced by the copy in one step), 2 when the
+// user refused to overwrite it, else the error number that stopped it.
 int32_t lfncPrepareOverwrite(AddinState& state, const std::string& target, bool silent);
 
-// The guarded copy: 0 copied (or the destination's folder could not be made,
-// in which case nothing is copied), 2 the user refused the overwrite, 7 the
-// destination could not be cleared and the copy went to the deferred actions.
-// A failing copy itself still answers 0. `reserved` has no effect; callers
-// pass -1 (True) as they always have.
+// The guarded copy: 0 only when the whole file is in place, 2 the user
+// refused the overwrite, 7 the destination was in use and the copy went to
+// the deferred actions; else the error number, after telling the user. A
+// failed copy leaves neither a partial destination nor a temporary file.
+// `reserved` has no effect; callers pass -1 (True) as they always have.
 int32_t lfncCopyFileEX(AddinState& state, const OptionSet& options, const std::string& source,
                        const std::string& destination, bool reserved, bool silent);
 

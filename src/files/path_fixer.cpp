@@ -37,9 +37,8 @@ std::string JoinLines(const std::vector<std::string>& lines) {
   return text;
 }
 
-// lfncCopyFileEX answers 0 for copies that never happened (a folder that
-// could not be made, a failing copy), so the backup is checked byte for byte
-// before the original may be replaced.
+// The backup is checked byte for byte before the original may be replaced:
+// nothing short of the very bytes read will do.
 bool BackedUp(AddinState& state, const OptionSet& options, const std::string& projectFile,
               const std::string& original, const std::string& backupFile) {
   if (backupFile.empty()) return false;
@@ -131,6 +130,16 @@ PathFixResult Parse4ABSFile(AddinState& state, const OptionSet& options, const s
     result.outcome = Outcome::kReadOnly;
     return result;
   }
+  // Paths made relative to the link's folder need not hold for the file it
+  // points to, and the rename that replaces the file would replace the link.
+  if (*attributes & platform::kAttrReparsePoint) {
+    lfncMsgBoxEX(state,
+                 "Project File is a link to another file. Its paths would be made relative to the link's folder "
+                 "and the link replaced by a copy, so nothing was changed: parse the file it points to.",
+                 mb::kInformation, "Sentrune");
+    result.outcome = Outcome::kLink;
+    return result;
+  }
 
   std::string original;
   std::vector<std::string> lines;
@@ -154,7 +163,8 @@ PathFixResult Parse4ABSFile(AddinState& state, const OptionSet& options, const s
   }
 
   ShowReport(state, result.changes);
-  result.backupFile = lfncMakeBackupName(fs, options, projectFile, "");
+  // A second fix within one second of the first keeps the first's backup.
+  result.backupFile = UnusedName(fs, lfncMakeBackupName(fs, options, projectFile, ""));
   if (!BackedUp(state, options, projectFile, original, result.backupFile)) {
     result.outcome = Outcome::kNotBackedUp;
     return result;

@@ -23,6 +23,7 @@ struct PathFixResult {
   enum class Outcome {
     kCancelled,     // no file was chosen
     kReadOnly,      // the project file is read-only; nothing was examined
+    kLink,          // the project file is a symbolic link; nothing was examined
     kNothingFound,  // no line needed a change; the file is untouched
     kFixed,         // backed up, then rewritten
     kNotBackedUp,   // the backup could not be made; the file is untouched

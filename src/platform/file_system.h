@@ -26,6 +26,7 @@ enum FileAttribute : uint32_t {
   kAttrDirectory = 16,
   kAttrArchive = 32,
   kAttrNormal = 128,
+  kAttrReparsePoint = 1024,  // a symbolic link or junction itself, not its target
 };
 
 struct DirEntry {
@@ -38,6 +39,8 @@ class FileSystem {
   virtual ~FileSystem() = default;
 
   // Attributes of a file or folder (GetAttr). Files always report archive (32).
+  // A symbolic link reports its target's attributes plus kAttrReparsePoint
+  // (a dangling one: archive plus kAttrReparsePoint).
   virtual rt::Result<uint32_t> GetAttributes(const std::string& path) const = 0;
   // SetAttr: 32 makes a file writable, 33 read-only; other bits are ignored
   // where the storage cannot keep them.
@@ -61,6 +64,11 @@ class FileSystem {
   // Windows CopyFile: copies bytes and keeps the source's last-write time.
   // With failIfExists an existing target fails with 58.
   virtual rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) = 0;
+  // CopyFile with failIfExists into a folder the caller has just made and
+  // alone fills, so that `to` is known to be new: it is taken as spelled,
+  // without a search for it in other letter case, and any entry already
+  // there, a symbolic link included, fails with 58 and is never followed.
+  virtual rt::Status CopyFileToNew(const std::string& from, const std::string& to) = 0;
 
   // MkDir of one folder; its parent must exist.
   virtual rt::Status CreateDirectory(const std::string& path) = 0;

@@ -2,6 +2,7 @@
 // The add-in's process-wide state (gstrLogFile, gblnShuttingDown, the pending
 // error, ...) kept in one object that the host creates and hands down, so that
 // nothing deep in the core reaches a global.
+#include <map>
 #include <string>
 
 #include "state/debug_trace.h"
@@ -41,6 +42,9 @@ class AddinState {
   bool gblnShuttingDown = false;
   std::string gstrLogFile;
   std::string gstrHelpFile;
+  // Tracking databases that an operation could not use, by file, each with
+  // its first failure: a host that ends with an exit status names them.
+  std::map<std::string, rt::VbError> failedDatabases;
 };
 
 }  // namespace sentrune

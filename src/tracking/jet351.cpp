@@ -22,10 +22,6 @@ constexpr const char* kSettings = "Settings";
 
 [[noreturn]] void Fail(const rt::VbError& error) { throw JetFailure{error}; }
 
-void Check(const rt::Status& status) {
-  if (!status.ok()) Fail(status.error());
-}
-
 // A stored total as the text it reads as: its leading number, cut to a
 // whole number, which must fit the job's 32-bit total.
 int32_t WholeSeconds(const std::string& text) {
@@ -76,10 +72,13 @@ void clsJet351::WriteBack(const SqliteImage& db) {
   platform::FileSystem& files = state_.files();
   const std::string& path = db.name();
   const std::string temporary = path + ".tmp";
-  Check(files.WriteFile(temporary, db.Serialize()));
-  if (const rt::Status renamed = files.RenameReplace(temporary, path); !renamed.ok()) {
+  // A write cut short (a full disk) or a failed rename leaves no temporary
+  // file behind.
+  rt::Status written = files.WriteFile(temporary, db.Serialize());
+  if (written.ok()) written = files.RenameReplace(temporary, path);
+  if (!written.ok()) {
     (void)files.DeleteFile(temporary);
-    Fail(renamed.error());
+    Fail(written.error());
   }
 }
 
@@ -118,7 +117,8 @@ int32_t clsJet351::Trapped(const std::string& procedure, const std::function<voi
     error = rt::MakeError(jeterr::kEngineError, unexpected.what());
   }
   // Records updated before a failure stay written, as the engine wrote each
-  // update on its own.
+  // update on its own; a database found damaged is never written at all.
+  if (error && error->number == jeterr::kUnrecognizedFormat) db_.reset();
   if (std::optional<rt::VbError> released = Release(); released && !error) error = released;
   if (!error) return 0;
   Report(procedure, *error);
@@ -126,6 +126,7 @@ int32_t clsJet351::Trapped(const std::string& procedure, const std::function<voi
 }
 
 void clsJet351::Report(const std::string& procedure, const rt::VbError& error) {
+  if (!currentDBName_.empty()) state_.failedDatabases.emplace(currentDBName_, error);
   state_.err.Set(error);
   lfncMsgBoxEX(state_, "Error " + std::to_string(error.number) + "\r\n" + error.description,
                platform::mb::kCritical, "clsJet351:" + procedure);
@@ -145,7 +146,7 @@ void clsJet351::ComponentName(const std::string& name) {
 
 void clsJet351::LoadTimerJobs() {
   TraceBlock block(state_, 40, "'LoadTimerJobs - " + rt::GetFileTitle(currentDBName_));
-  Trapped("LoadTimerJobs", [&] {
+  const int32_t failed = Trapped("LoadTimerJobs", [&] {
     if (!DatabaseFileExists()) return;
     EnsureDatabase();
     JetTable table = OpenTable(kTimeLog);
@@ -155,12 +156,13 @@ void clsJet351::LoadTimerJobs() {
       if (!timerJobs_.Contains(key)) AddTimerJob(key).SetElapsedSeconds(seconds);
     }
   });
+  storedTotalsMissing_ = storedTotalsMissing_ || failed != 0;
 }
 
 void clsJet351::SaveTimerJobs() {
   TraceBlock block(state_, 40, "'SaveTimerJobs - " + rt::GetFileTitle(currentDBName_));
   Trapped("SaveTimerJobs", [&] {
-    if (!DatabaseFileExists() || timerJobs_.empty()) return;
+    if (storedTotalsMissing_ || !DatabaseFileExists() || timerJobs_.empty()) return;
     bool anyChanged = false;
     for (const auto& entry : timerJobs_) anyChanged = anyChanged || entry.item.Changed();
     if (!anyChanged) return;

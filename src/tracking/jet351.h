@@ -8,8 +8,10 @@
 // the whole database back through a temporary file renamed over the original.
 //
 // Every public operation traps its own failures: the rest of that operation
-// is abandoned, the in-memory jobs stay as they are, and the error is shown
-// through lfncMsgBoxEX titled "clsJet351:" and the operation's name.
+// is abandoned, the in-memory jobs stay as they are, the error is shown
+// through lfncMsgBoxEX titled "clsJet351:" and the operation's name, and the
+// file joins the state's failedDatabases. A file that is not a sound
+// database is never written, whatever the operation.
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -44,8 +46,10 @@ class clsJet351 {
   // nothing but trace when the file does not exist.
   void LoadTimerJobs();
   // Writes the total of every changed job to "TimeLog". Opens nothing when
-  // the file does not exist or no job is changed. Jobs stay marked changed:
-  // a running job keeps gaining time after the save.
+  // the file does not exist or no job is changed, nor ever after a load of
+  // this object failed: its totals lack the stored ones and would replace
+  // them. Jobs stay marked changed: a running job keeps gaining time after
+  // the save.
   void SaveTimerJobs();
   rt::KeyedCollection<clsTimerJob>& TimerJobs() { return timerJobs_; }
   // Makes the named job the only one running, adding it first when it is
@@ -96,6 +100,7 @@ class clsJet351 {
   std::string currentDBName_;
   std::unique_ptr<SqliteImage> db_;
   std::optional<rt::VbError> openError_;
+  bool storedTotalsMissing_ = false;
   rt::KeyedCollection<clsTimerJob> timerJobs_;
 };
 

@@ -36,9 +36,12 @@ SqliteImage SqliteImage::Load(std::string_view bytes, const std::string& name) {
   const int rc = sqlite3_deserialize(image.db_, "main", buffer, size, size,
                                      SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE);
   if (rc != SQLITE_OK) throw JetFailure{image.Failure(rc)};
-  // The header is only checked when the schema is first read.
-  Statement probe(image, "SELECT count(*) FROM sqlite_master");
-  probe.Step();
+  // The engine reads a page only when a query reaches it, so a damaged table
+  // would surface half way through an operation, after others were changed
+  // and could be written back with the damage. Every page is checked first.
+  Statement check(image, "PRAGMA quick_check");
+  if (!check.Step() || check.Text(0) != "ok")
+    Throw(jeterr::kUnrecognizedFormat, "Unrecognized database format '" + name + "'.");
   return image;
 }
 

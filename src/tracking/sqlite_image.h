@@ -33,8 +33,8 @@ class SqliteImage {
  public:
   // A new, empty database; `name` labels errors (the file it is meant for).
   static SqliteImage CreateEmpty(const std::string& name);
-  // The database in `bytes`. Bytes that are not a database (an empty file
-  // included) fail with kUnrecognizedFormat.
+  // The database in `bytes`. Bytes that are not a whole, sound database (an
+  // empty or truncated file, a damaged page) fail with kUnrecognizedFormat.
   static SqliteImage Load(std::string_view bytes, const std::string& name);
 
   SqliteImage(SqliteImage&& other) noexcept;

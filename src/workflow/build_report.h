@@ -32,14 +32,13 @@ struct BuildReport {
   bool updateNeeded = false;
   std::string modelUpdated;  // the model lfncUpdateCompatEX made
   bool historyRecorded = false;
+  int32_t historyError = 0;  // why the build could not be recorded
   std::string snapshotFolder;
   std::vector<OutsideFile> snapshotOutside;
   std::string releaseCopy;
-  // Every step the chain ran, in order, with its code; the last one is the
-  // step that ended the chain (its code is not 0 when it stopped it).
+  // Every step the chain ran, in order, with its code; a code other than 0
+  // ended that step's half of the build.
   std::vector<Step> steps;
-
-  const Step* EndedBy() const { return steps.empty() ? nullptr : &steps.back(); }
 };
 
 // A build of a component as the host hears of it once the add-in's steps

@@ -52,12 +52,20 @@ std::vector<std::string> DescribeBuild(const BuildReport& report) {
     lines.push_back(Differences("after the build", "the new build", *report.differencesAfter));
   if (!report.modelUpdated.empty()) lines.push_back("compatibility model updated: " + report.modelUpdated);
   if (report.historyRecorded) lines.push_back("build recorded in the project's history");
+  if (report.historyError != 0)
+    lines.push_back("the build could not be recorded in the project's history: " + CodeWords(report.historyError));
   if (!report.snapshotFolder.empty()) lines.push_back("snapshot: " + report.snapshotFolder);
   for (const BuildReport::OutsideFile& file : report.snapshotOutside)
     lines.push_back("snapshot placed a file from outside the project: " + file.source + " -> " + file.destination);
   if (!report.releaseCopy.empty()) lines.push_back("release copy: " + report.releaseCopy);
-  if (const BuildReport::Step* last = report.EndedBy(); last && last->code != 0)
-    lines.push_back("stopped at " + StepWords(last->procedure) + ": " + CodeWords(last->code));
+  // A failed backup ends only the half of the build before the compiler's
+  // write, so a step before the last may have failed too.
+  for (size_t i = 0; i < report.steps.size(); ++i) {
+    const BuildReport::Step& step = report.steps[i];
+    if (step.code == 0) continue;
+    const char* how = i + 1 == report.steps.size() ? "stopped at " : "failed: ";
+    lines.push_back(how + StepWords(step.procedure) + ": " + CodeWords(step.code));
+  }
   return lines;
 }
 

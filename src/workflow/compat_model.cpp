@@ -58,7 +58,7 @@ struct ModelStep {
   bool proposesRemembered;
   const char* caption;
   const char* prompt;
-  // Renewing replaces a model of the same name without asking.
+  // Renewing writes the name it chose without asking.
   bool silent;
   std::string BuildReport::*made;
 };
@@ -88,13 +88,13 @@ bool NeedsNewModel(const std::string& model, const std::string& component) {
 
 // The dated name of this build's model: beside the current model when that
 // exists, else in `folder` when one is given, else in the component's
-// "Compat\" folder.
+// "Compat\" folder. An earlier model is never replaced by a later one.
 std::string ProposedModel(const StepContext& step, const std::string& current, const std::string& folder) {
   const platform::FileSystem& fs = step.state.files();
   const std::string dated = rt::GetFileTitle(lfncMakeBackupName(fs, step.options, step.buildFile, ""));
-  if (lfncFileExists(fs, current)) return rt::GetFolder(current) + dated;
-  if (!folder.empty()) return rt::AddBackslash(folder) + dated;
-  return rt::GetFolder(step.buildFile) + "Compat\\" + dated;
+  if (lfncFileExists(fs, current)) return UnusedName(fs, rt::GetFolder(current) + dated);
+  if (!folder.empty()) return UnusedName(fs, rt::AddBackslash(folder) + dated);
+  return UnusedName(fs, rt::GetFolder(step.buildFile) + "Compat\\" + dated);
 }
 
 // Asks about a new model path when the step's value says so; the path the

@@ -45,7 +45,7 @@ int32_t lfncBackupComponentEX(StepContext& step) {
   RememberedFolders folders(step.state, step.project);
   const std::string remembered = folders.Get(kCompBackupBase);
   const std::string folder = remembered.empty() ? rt::GetFolder(defaultName) : remembered;
-  BackupPlan plan{rt::AddBackslash(folder) + rt::GetFileTitle(defaultName)};
+  BackupPlan plan{UnusedName(step.state.files(), rt::AddBackslash(folder) + rt::GetFileTitle(defaultName))};
   if (value == kAskFirst) plan = AskAboutBackup(step.state, folders, step.buildFile, plan.name, remembered);
 
   int32_t result = 0;

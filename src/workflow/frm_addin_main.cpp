@@ -19,7 +19,7 @@ void frmAddinMain::tmrActiveWindow_Timer(platform::VBE& ide, ActivityTracker& tr
   }
 }
 
-SnapshotCopy frmAddinMain::PrepareSnapshot(const StepContext& step, const std::string& snapshotFolder) {
+SnapshotCopy frmAddinMain::PrepareSnapshot(const StepContext& step, SnapshotFolder& snapshot) {
   SnapshotCopy copy;
   const std::string projectFile = step.project.FileName();
   const rt::Result<std::string> bytes = step.state.files().ReadFile(projectFile);
@@ -31,7 +31,7 @@ SnapshotCopy frmAddinMain::PrepareSnapshot(const StepContext& step, const std::s
   copy.files = SnapshotFileList(step.state.files(), projectFile, rt::Cp1252ToUtf8(*bytes));
   lstFiles_ = copy.files;
   const auto put = [&](const std::string& source, const std::string& relative) {
-    const rt::Status copied = CopyIntoSnapshot(step, source, snapshotFolder + relative);
+    const rt::Status copied = snapshot.Put(source, relative);
     if (!copied && copy.result == 0)
       copy.result = ReportTrappedError(step.state, copied.error(), "frmAddinMain:PrepareSnapshot");
   };
@@ -40,7 +40,7 @@ SnapshotCopy frmAddinMain::PrepareSnapshot(const StepContext& step, const std::s
   for (const std::string& name : copy.files) {
     const std::optional<SnapshotPlace> place = PlaceInSnapshot(projectFolder, name);
     if (!place) continue;
-    if (place->outside) copy.outside.push_back({place->source, snapshotFolder + place->relative});
+    if (place->outside) copy.outside.push_back({place->source, snapshot.Path() + place->relative});
     put(place->source, place->relative);
   }
   return copy;

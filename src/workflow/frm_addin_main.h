@@ -28,11 +28,10 @@ class frmAddinMain {
   // otherwise no component is active.
   void tmrActiveWindow_Timer(platform::VBE& ide, ActivityTracker& tracker);
 
-  // Copies the project file, then every file it lists, into
-  // `snapshotFolder` (which ends in "\"), replacing files of an earlier
-  // snapshot there, and keeps the list for the user to see. With
-  // SnapIsReadOnly the copies are made read-only.
-  SnapshotCopy PrepareSnapshot(const StepContext& step, const std::string& snapshotFolder);
+  // Copies the project file, then every file it lists, into the snapshot's
+  // new folder, and keeps the list for the user to see. With SnapIsReadOnly
+  // the copies are made read-only.
+  SnapshotCopy PrepareSnapshot(const StepContext& step, SnapshotFolder& snapshot);
   const std::vector<std::string>& lstFiles() const { return lstFiles_; }
 
  private:

@@ -13,7 +13,8 @@ void RecordBuild(StepContext& step) {
   if (database.empty()) return;
   clsJet351 jet(step.state);
   jet.SetCurrentDBName(database);
-  step.report.historyRecorded = jet.AddBuildHistory(step.buildFile) == 0;
+  step.report.historyError = jet.AddBuildHistory(step.buildFile);
+  step.report.historyRecorded = step.report.historyError == 0;
 }
 
 }  // namespace

@@ -53,7 +53,8 @@ int32_t lfncBackupReleaseEX(StepContext& step) {
 
   RememberedFolders folders(step.state, step.project);
   const std::string remembered = folders.Get(kReleaseBackupBase);
-  std::string backupName = lfncMakeBackupName(step.state.files(), step.options, releaseCopy, remembered);
+  std::string backupName =
+      UnusedName(step.state.files(), lfncMakeBackupName(step.state.files(), step.options, releaseCopy, remembered));
   if (value == kAskFirst) {
     const frmFileHandlerEX form =
         AskStep(step.state, {.caption = "Backup Component?",

@@ -1,6 +1,7 @@
 #include "workflow/snapshot.h"
 
 #include "files/file_functions.h"
+#include "files/trapped_error.h"
 #include "runtime/vb_format.h"
 #include "runtime/winpath.h"
 #include "state/msgbox.h"
@@ -58,20 +59,6 @@ void RememberBase(RememberedFolders& folders, const std::string& chosen, const s
 
 }  // namespace
 
-rt::Status CopyIntoSnapshot(const StepContext& step, const std::string& source, const std::string& destination) {
-  platform::FileSystem& fs = step.state.files();
-  if (rt::Status made = fs.MakeSureDirectoryPathExists(destination); !made) return made;
-  if (lfncFileExists(fs, destination)) {
-    if (rt::Status writable = fs.SetAttributes(destination, platform::kAttrArchive); !writable)
-      return writable;
-    if (rt::Status deleted = fs.DeleteFile(destination); !deleted) return deleted;
-  }
-  if (rt::Status copied = fs.CopyFile(source, destination, false); !copied) return copied;
-  step.state.env().DoEvents();
-  if (!step.options.SnapIsReadOnly) return {};
-  return fs.SetAttributes(destination, platform::kAttrArchive | platform::kAttrReadOnly);
-}
-
 int32_t lfncSnapshotEX(StepContext& step, bool force, const SnapshotChoices& choices) {
   const int16_t value = StepValue(step.options.CreateSnapshot, step.project);
   if (!force && value <= 0) return 0;
@@ -82,8 +69,8 @@ int32_t lfncSnapshotEX(StepContext& step, bool force, const SnapshotChoices& cho
                  "Sentrune");
     return rt::errnum::kFileNotFound;
   }
-  const std::string folderName =
-      step.project.Name() + " " + rt::Format(step.state.env().Time().Now(), step.options.DateFormatString) + "\\";
+  const std::string stamp = rt::Format(step.state.env().Time().Now(), step.options.DateFormatString);
+  const std::string folderName = SnapshotFolderName(step.project.Name(), stamp) + "\\";
   RememberedFolders folders(step.state, step.project);
   const std::string base = folders.Get(kSnapshotBase);
   const std::string proposal = (base.empty() ? rt::GetFolder(projectFile) : rt::GetFolder(base)) + folderName;
@@ -96,16 +83,18 @@ int32_t lfncSnapshotEX(StepContext& step, bool force, const SnapshotChoices& cho
   }
   if (plan.folder != proposal) RememberBase(folders, plan.folder, folderName);
 
-  const SnapshotCopy copy = step.mainForm.PrepareSnapshot(step, plan.folder);
-  step.report.snapshotFolder = plan.folder;
+  rt::Result<SnapshotFolder> snapshot = SnapshotFolder::Make(step, plan.folder);
+  if (!snapshot) return ReportTrappedError(step.state, snapshot.error(), "modCommon:lfncSnapshotEX");
+  const SnapshotCopy copy = step.mainForm.PrepareSnapshot(step, *snapshot);
+  step.report.snapshotFolder = snapshot->Path();
   step.report.snapshotOutside = copy.outside;
   int32_t result = copy.result;
   if (!plan.comment.empty()) {
     const int32_t written =
-        lfncWriteTextFile(step.state, plan.folder + "_Snapshot_ReadME.txt", plan.comment, false, true);
+        lfncWriteTextFile(step.state, snapshot->Path() + "_Snapshot_ReadME.txt", plan.comment, false, true);
     if (result == 0) result = written;
   }
-  if (result == 0 && plan.gather) result = GatherDependencies(step, plan.folder);
+  if (result == 0 && plan.gather) result = GatherDependencies(step, *snapshot);
   step.state.err.Clear();
   return result;
 }

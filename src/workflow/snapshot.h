@@ -9,6 +9,7 @@
 
 #include "runtime/result.h"
 #include "workflow/build_report.h"
+#include "workflow/snapshot_folder.h"
 #include "workflow/step_context.h"
 
 namespace sentrune {
@@ -43,10 +44,6 @@ struct SnapshotCopy {
 // "Dependencies\" folder. Controls are looked for beside the project, then in
 // the system folder; one found nowhere counts as broken and is left out.
 // 0, or the error number of the first copy that failed.
-int32_t GatherDependencies(const StepContext& step, const std::string& snapshotFolder);
-
-// Puts one file into a snapshot: missing folders are made, a file already
-// there is replaced even when read-only.
-rt::Status CopyIntoSnapshot(const StepContext& step, const std::string& source, const std::string& destination);
+int32_t GatherDependencies(const StepContext& step, SnapshotFolder& snapshot);
 
 }  // namespace sentrune

@@ -82,14 +82,13 @@ std::vector<std::string> DependencyFiles(const StepContext& step) {
 
 }  // namespace
 
-int32_t GatherDependencies(const StepContext& step, const std::string& snapshotFolder) {
-  const std::string folder = snapshotFolder + "Dependencies\\";
+int32_t GatherDependencies(const StepContext& step, SnapshotFolder& snapshot) {
   std::set<std::string> taken;  // by lower-case file name: one copy each
   int32_t result = 0;
   for (const std::string& file : DependencyFiles(step)) {
     const std::string title = rt::GetFileTitle(file);
     if (!taken.insert(rt::LCase(title)).second) continue;
-    const rt::Status copied = CopyIntoSnapshot(step, file, folder + title);
+    const rt::Status copied = snapshot.Put(file, "Dependencies\\" + title);
     if (!copied && result == 0)
       result = ReportTrappedError(step.state, copied.error(), "modCommon:GatherDependencies");
   }

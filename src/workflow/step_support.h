@@ -25,15 +25,31 @@ std::string TrackingDatabaseName(const platform::VBProject& project);
 
 // The folders one project remembers ("CompBackupBase", "CompatBase", ...).
 // A project never saved has no database and so remembers nothing.
+//
+// They are stored as absolute paths in a database that travels with the
+// project's folder when it is copied or moved, and that anyone may hand over
+// crafted. So a remembered folder is used as it is only when it lies in the
+// project's folder or below it, or when it was stored, or agreed to, while
+// the project file was in the folder it is in now (the database keeps that
+// folder beside each one, as name + ".ProjectFolder"). Any other is first
+// shown to the user, with where the project now is: Yes uses it and
+// remembers the agreement for this place; No leaves it unused, so that the
+// step proposes its own folder.
 class RememberedFolders {
  public:
   // The state must outlive this object.
   RememberedFolders(AddinState& state, const platform::VBProject& project);
-  // Empty when nothing is stored.
+  // Empty when nothing is stored or the user declined the folder.
   std::string Get(const std::string& name);
   void Store(const std::string& name, const std::string& folder);
 
  private:
+  // Asks before `folder` is used; `storedFor` is where the project was
+  // when it was stored, empty when unknown.
+  bool Agreed(const std::string& name, const std::string& folder, const std::string& storedFor);
+
+  AddinState& state_;
+  std::string projectFolder_;
   std::optional<clsJet351> jet_;
 };
 

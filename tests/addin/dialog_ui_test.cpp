@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <map>
 
@@ -36,6 +37,28 @@ using testing::ide::TreeLines;
 bool IsVersion6(HWND button) {
   SIZE size{};
   return SendMessageW(button, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&size)) != FALSE;
+}
+
+// The folder the shell's folder browser has selected, by its tree's caret.
+std::wstring SelectedFolderName(HWND browser) {
+  HWND tree = nullptr;
+  EnumChildWindows(
+      browser,
+      [](HWND child, LPARAM found) {
+        if (!testing::ide::IsClass(child, WC_TREEVIEWW)) return TRUE;
+        *reinterpret_cast<HWND*>(found) = child;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&tree));
+  if (tree == nullptr) return {};
+  wchar_t text[MAX_PATH] = {};
+  TVITEMW item{};
+  item.mask = TVIF_TEXT;
+  item.hItem = reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_CARET, 0));
+  item.pszText = text;
+  item.cchTextMax = MAX_PATH;
+  if (item.hItem == nullptr || !SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) return {};
+  return text;
 }
 
 platform::FileHandlerQuestion Snapshot() {
@@ -120,7 +143,13 @@ TEST(AddinDialogs, FileHandlerShowsTheQuestionAndGivesBackTheFieldsAsLeft) {
     while (IsWindowEnabled(box)) Sleep(10);
     return 0;
   });
-  developer.Answer({IDOK});
+  // The browser selects the start folder after it shows: OK once it has.
+  const std::wstring startName = std::filesystem::path(folder.path()).filename().wstring();
+  developer.AnswerWith([&](HWND browser) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (SelectedFolderName(browser) != startName && std::chrono::steady_clock::now() < deadline) Sleep(10);
+    return IDOK;
+  });
   developer.AnswerWith([&](HWND box) {
     browsed = TextOf(GetDlgItem(box, ids::kDestination));
     return IDNO;

@@ -33,6 +33,13 @@ TEST(Paths, BackupNamesAndRelativePaths) {
             "C:\\Src\\Widgets\\Old\\Widgets-2004.05.06-14.03.09.dll");
   EXPECT_EQ(lfncMakeBackupName(w.files(), w.options, "C:\\Src\\Gone.dll", ""), "");
   EXPECT_FALSE(lfncFileExists(w.files(), "C:\\Src\\Widgets"));  // a folder is no file
+  // A dated name already taken, by a file or a folder, gets the first free
+  // number; a dot in a folder's name is no extension.
+  w.files().AddFile(kBackup, "");
+  w.files().AddFolder("C:\\Src\\Widgets\\History\\Widgets-2004.05.06-14.03.09 (2).dll");
+  EXPECT_EQ(UnusedName(w.files(), kBackup), "C:\\Src\\Widgets\\History\\Widgets-2004.05.06-14.03.09 (3).dll");
+  EXPECT_EQ(UnusedName(w.files(), "C:\\Src\\Widgets"), "C:\\Src\\Widgets (2)");
+  EXPECT_EQ(UnusedName(w.files(), "C:\\v1.0\\Widgets"), "C:\\v1.0\\Widgets");
 
   const std::string project = "C:\\Src\\App\\App.vbp";
   for (const char* file : {"C:\\Src\\App\\App.vbp", "C:\\Src\\Lib\\Widget.cls", "C:\\Src\\App\\Forms\\Main.frm",
@@ -46,7 +53,7 @@ TEST(Paths, BackupNamesAndRelativePaths) {
             "C:\\Src\\Lib\\Widget.cls");
 }
 
-TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilentAndAMissingFolderSkipsTheCopy) {
+TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilent) {
   FilesWorld w;
   w.files().AddFile(kComponent, "new");
   w.files().AddFile(kBackup, "old");
@@ -60,26 +67,41 @@ TEST(GuardedCopy, AnExistingTargetIsAskedAboutUnlessSilentAndAMissingFolderSkips
   EXPECT_EQ(w.files().Contents(kBackup), "new");
   EXPECT_EQ(w.ui.Prompts(), Strings{std::string("The file ") + kBackup +
                                     " already exists.\r\nPress Ok to Overwrite or Cancel to abort."});
-
-  // A copy into a folder that cannot be made is skipped without a word.
-  w.files().ClearRecord();
-  w.files().FailNext(FsOp::kCreateDirectory, "C:\\Src\\Widgets\\Old", 75);
-  EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, "C:\\Src\\Widgets\\Old\\Deep\\W.dll", true, false), 0);
-  EXPECT_TRUE(w.files().Record().copies.empty());
-  EXPECT_EQ(w.ui.boxes.size(), 1u);
 }
 
-// A target that cannot be deleted is handed to a batch file for later, and
-// nothing is copied now.
+// A copy that fails at any stage answers the error, says so, and leaves
+// neither the destination nor its temporary file.
+TEST(GuardedCopy, AFailedCopyIsReportedAndLeavesNoFile) {
+  const std::string target = "C:\\Src\\Widgets\\Old\\W.dll", temporary = "C:\\Src\\Widgets\\Old\\~W.dll.tmp";
+  const struct {
+    FsOp op;
+    const char* path;
+    int32_t code;
+  } failures[] = {{FsOp::kCreateDirectory, "C:\\Src\\Widgets\\Old", 75},
+                  {FsOp::kCopy, "", 61},
+                  {FsOp::kRename, "", 70}};  // a new file in a folder that refuses it is no file in use
+  for (const auto& failure : failures) {
+    FilesWorld w;
+    w.files().AddFile(kComponent, "new");
+    w.files().FailNext(failure.op, failure.path, failure.code);
+    EXPECT_EQ(lfncCopyFileEX(w.state, w.options, kComponent, target, true, false), failure.code);
+    EXPECT_FALSE(w.files().Exists(target) || w.files().Exists(temporary)) << failure.code;
+    EXPECT_EQ(w.ui.Titles(), Strings{"modFileFunctions:lfncCopyFileEX"});
+  }
+}
+
+// A target in use that cannot be replaced is handed to a batch file for
+// later, and nothing is copied now.
 TEST(GuardedCopy, PermissionDeniedIsDeferredToAQuotedBatchFileWhenAllowed) {
   FilesWorld w;
   const std::string source = "C:\\100%\\%PATH%\\Widgets.dll", target = "C:\\Caf\xC3\xA9 1\\Widgets.dll";
   w.files().AddFile(source, "new");
   w.files().AddFile(target, "old");
   w.files().AddFile(kBatch, "an earlier copy\r\n");
-  w.files().FailNext(FsOp::kDelete, target, 70);
+  w.files().FailNext(FsOp::kRename, target, 70);
   EXPECT_EQ(lfncCopyFileEX(w.state, w.options, source, target, true, true), 7);
   EXPECT_EQ(w.files().Contents(target), "old");
+  EXPECT_FALSE(w.files().Exists("C:\\Caf\xC3\xA9 1\\~Widgets.dll.tmp"));
   ASSERT_EQ(w.ui.boxes.size(), 2u);
   EXPECT_EQ(w.ui.boxes[0].style, 20);
   // The batch file replaced, then the box: Windows-1252, and no path can expand as a batch variable.

@@ -76,7 +76,9 @@ TEST(PathFixer, ReportsBacksUpThenReplacesTheFileThroughATemporaryOne) {
   // Never written in place: a temporary file beside it is renamed over it.
   const FsRecord& record = w.files().Record();
   EXPECT_EQ(std::count(record.written.begin(), record.written.end(), kProject), 0);
-  EXPECT_EQ(record.renames, (std::vector<std::pair<std::string, std::string>>{{"C:\\Src\\App\\~App.vbp.tmp", kProject}}));
+  EXPECT_EQ(record.renames, (std::vector<std::pair<std::string, std::string>>{
+                                {"C:\\Src\\App\\History\\~App-2004.05.06-14.03.09.vbp.tmp", kBackup},
+                                {"C:\\Src\\App\\~App.vbp.tmp", kProject}}));
 }
 
 // Every way the fixer stops leaves the project byte for byte as it was; the
@@ -95,13 +97,12 @@ TEST(PathFixer, StopsWithoutTouchingTheProject) {
       {"no drive to compare with", "\\\\Server\\Share\\App.vbp", kFixable, {}},
       {"the copy fails", kProject, kFixable, {{FsOp::kCopy, "", 70}}},
       {"no backup folder", kProject, kFixable, {{FsOp::kCreateDirectory, "C:\\Src\\App\\History", 76}}},
-      {"an older backup stays in the way", kProject, kFixable, {{FsOp::kDelete, kBackup, 70}}},
-      {"the rename fails", kProject, kFixable, {{FsOp::kRename, "", 75}}},
+      {"the backup cannot be put in place", kProject, kFixable, {{FsOp::kRename, kBackup, 70}}},
+      {"the rename fails", kProject, kFixable, {{FsOp::kRename, kProject, 75}}},
   };
   std::string report;
   for (const Case& c : cases) {
     FixerWorld w;
-    if (c.failure && std::get<0>(*c.failure) == FsOp::kDelete) w.files().AddFile(kBackup, "an older backup");
     if (c.failure) std::apply([&](auto... failure) { w.files().FailNext(failure...); }, *c.failure);
     w.files().AddFile(c.project, c.bytes);
     w.files().ClearRecord();
@@ -113,7 +114,10 @@ TEST(PathFixer, StopsWithoutTouchingTheProject) {
     for (const AskedBox& box : w.ui.boxes) report += "\n" + Shown(box);
     report += "\n";
     EXPECT_EQ(w.files().Contents(c.project), c.bytes) << c.what;
-    EXPECT_TRUE(w.files().Record().renames.empty() && !w.files().Exists("C:\\Src\\App\\~App.vbp.tmp")) << c.what;
+    const auto& renames = w.files().Record().renames;
+    EXPECT_TRUE(std::none_of(renames.begin(), renames.end(), [&](const auto& r) { return r.second == c.project; }) &&
+                !w.files().Exists("C:\\Src\\App\\~App.vbp.tmp"))
+        << c.what;
     EXPECT_FALSE(w.state.err.pending());
   }
   ExpectMatchesFile(report, "files/path-fixer-stops.txt");

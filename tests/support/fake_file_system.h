@@ -72,6 +72,10 @@ class FakeFileSystem : public platform::FileSystem {
   rt::Status DeleteFile(const std::string& path) override;
   rt::Status RenameReplace(const std::string& from, const std::string& to) override;
   rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override;
+  // Names are found in any letter case here, as on Windows.
+  rt::Status CopyFileToNew(const std::string& from, const std::string& to) override {
+    return CopyFile(from, to, true);
+  }
   rt::Status CreateDirectory(const std::string& path) override;
   rt::Status RemoveDirectory(const std::string& path) override;
   rt::Status MakeSureDirectoryPathExists(const std::string& path) override;

@@ -68,6 +68,9 @@ class DriveFileSystem : public platform::FileSystem {
   rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override {
     return Named(files_.CopyFile(Host(from), Host(to), failIfExists));
   }
+  rt::Status CopyFileToNew(const std::string& from, const std::string& to) override {
+    return Named(files_.CopyFileToNew(Host(from), Host(to)));
+  }
   rt::Status CreateDirectory(const std::string& path) override { return Named(files_.CreateDirectory(Host(path))); }
   rt::Status RemoveDirectory(const std::string& path) override { return Named(files_.RemoveDirectory(Host(path))); }
   rt::Status MakeSureDirectoryPathExists(const std::string& path) override {

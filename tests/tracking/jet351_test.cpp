@@ -1,6 +1,7 @@
 // The tracking database and the stopwatches whose totals it keeps; then the
 // database on a real host folder, whose bytes written through the FileSystem
-// must be a database file that the engine opens on its own.
+// must be a database file that the engine opens on its own, and which is
+// never written when it is damaged.
 #include "tracking/jet351.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <filesystem>
 
 #include "support/host_addin.h"
+#include "support/host_files.h"
 #include "support/temp_folder.h"
 #include "tracking_world.h"
 
@@ -148,26 +150,6 @@ TEST_F(TrackingDb, AQuoteInAKeyEndsTheSaveAtThatJob) {
   EXPECT_EQ(ui.boxes.size(), 2u);
 }
 
-TEST_F(TrackingDb, AFileThatIsNoDatabaseFailsEachOperationCleanly) {
-  for (const std::string& bytes : {std::string("This is not a database, just text.\r\n"), std::string()}) {
-    ui.boxes.clear();
-    files().AddFile(kDb, bytes);
-    jet.TimerJobs().Clear();
-    jet.AddTimerJob("Form1").SetChanged(true);
-    files().ClearRecord();
-
-    jet.LoadTimerJobs();
-    jet.SaveTimerJobs();
-    EXPECT_EQ(jet.AddBuildHistory(kDb), jeterr::kUnrecognizedFormat);
-    EXPECT_EQ(jet.GetDBSetting("CompatBase"), "");
-    EXPECT_EQ(jet.CurrentDBObject(), nullptr);
-    EXPECT_EQ(ui.Titles(), (Strings{"clsJet351:LoadTimerJobs", "clsJet351:SaveTimerJobs", "clsJet351:AddBuildHistory",
-                                 "clsJet351:GetDBSetting"}));
-    EXPECT_EQ(files().Contents(kDb), bytes);
-    EXPECT_TRUE(files().Record().renames.empty());
-  }
-}
-
 // Stored totals depend on how the stopwatch has always counted: starting
 // keeps the start time, so time spent stopped after a gain counts too.
 TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
@@ -201,23 +183,30 @@ TEST(TimerJob, StopFoldsWholeSecondsIntoTheTotal) {
   EXPECT_FALSE(job.Changed());
 }
 
-TEST(HostTrackingDatabase, IsARealDatabaseFile) {
+// The file on a real host folder: what is written is a database file that
+// the engine opens on its own, and a file that is not a sound database, the
+// way a disk or a copy leaves one, fails every operation, is never written,
+// and is kept for the host to name.
+TEST(HostTrackingDatabase, IsARealDatabaseFileAndADamagedOneIsNeverWritten) {
   testing::TempFolder folder;
   folder.Write("Grid.dll", "MZ");
   folder.MakeFolder("home");
+  const std::filesystem::path file = folder / "Grid.stn";
   {
     testing::HostAddin addin(folder / "home", 'T', folder.path());
     clsJet351 jet(addin.state);
     jet.SetCurrentDBName("T:\\Grid.stn");
     ASSERT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), 0);
     ASSERT_EQ(jet.SaveDBSetting("SnapshotBase", "T:\\Snaps\\"), 0);
+    jet.AddTimerJob("Form1").SetChanged(true);
+    jet.SaveTimerJobs();
     EXPECT_TRUE(addin.ui.boxes.empty());
     EXPECT_FALSE(std::filesystem::exists(folder / "Grid.stn.tmp"));
   }
 
   sqlite3* db = nullptr;
   sqlite3_stmt* select = nullptr;
-  ASSERT_EQ(sqlite3_open_v2((folder / "Grid.stn").c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_open_v2(file.string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
   ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT BuildFileName, (SELECT SettingValue FROM Settings) FROM BuildHistory", -1,
                                &select, nullptr),
             SQLITE_OK);
@@ -226,6 +215,43 @@ TEST(HostTrackingDatabase, IsARealDatabaseFile) {
   EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(select, 1)), "T:\\Snaps\\");
   sqlite3_finalize(select);
   sqlite3_close(db);
+
+  const std::string sound = testing::ReadHostFile(file);
+  ASSERT_GT(sound.size(), 3 * 4096u);
+  std::string zeroedPage = sound;
+  zeroedPage.replace(4096, 4096, 4096, '\0');
+  const std::pair<const char*, std::string> damaged[] = {
+      {"text", "This is not a database, just text.\r\n"},
+      {"empty", ""},
+      {"cut inside a page", sound.substr(0, 3000)},
+      {"cut after the first page", sound.substr(0, 4096)},
+      // The schema reads; only a table's own page is gone.
+      {"a zeroed table page", zeroedPage},
+  };
+  for (const auto& [what, bytes] : damaged) {
+    SCOPED_TRACE(what);
+    folder.Write("Grid.stn", bytes);
+    testing::HostAddin addin(folder / "home", 'T', folder.path());
+    clsJet351 jet(addin.state);
+    jet.SetCurrentDBName("T:\\Grid.stn");
+    jet.LoadTimerJobs();
+    // Totals gathered without the stored ones would replace them.
+    jet.AddTimerJob("Form1").SetChanged(true);
+    jet.SaveTimerJobs();
+    EXPECT_EQ(jet.AddBuildHistory("T:\\Grid.dll"), jeterr::kUnrecognizedFormat);
+    EXPECT_EQ(jet.SaveDBSetting("CompBackupBase", "T:\\Elsewhere\\"), jeterr::kUnrecognizedFormat);
+    EXPECT_EQ(jet.GetDBSetting("SnapshotBase"), "");
+    EXPECT_TRUE(jet.BuildHistory().empty());
+    EXPECT_EQ(addin.ui.Titles(), (Strings{"clsJet351:LoadTimerJobs", "clsJet351:AddBuildHistory",
+                                          "clsJet351:SaveDBSetting", "clsJet351:GetDBSetting",
+                                          "clsJet351:BuildHistory"}));
+    for (const auto& box : addin.ui.boxes)
+      EXPECT_EQ(box.prompt, "Error 3343\r\nUnrecognized database format 'T:\\Grid.stn'.");
+    EXPECT_TRUE(testing::ReadHostFile(file) == bytes) << "the file was written";
+    EXPECT_FALSE(std::filesystem::exists(folder / "Grid.stn.tmp"));
+    ASSERT_EQ(addin.state.failedDatabases.size(), 1u);
+    EXPECT_EQ(addin.state.failedDatabases.begin()->first, "T:\\Grid.stn");
+  }
 }
 
 }  // namespace

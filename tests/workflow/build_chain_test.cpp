@@ -2,6 +2,9 @@
 // what they ask, and how one step's code stops the rest.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <optional>
+
 #include "workflow/compat_history.h"
 #include "workflow_world.h"
 
@@ -145,46 +148,69 @@ TEST(BuildChain, EachQuestionDecidesItsStepAlone) {
   EXPECT_EQ(broken.ui.Prompts(), (Strings{"The file doesn't contain a valid TypeLib.\r\nSelect another file."}));
 }
 
-// A step that ends the chain leaves what it would have replaced as it was:
-// a refused overwrite ends it with 2, a model the IDE holds open with 7 (its
-// copy deferred to a batch file). The build is recorded once the
-// after-build driver runs, whatever stops it.
-TEST(BuildChain, AStepThatCannotReplaceAFileEndsTheChain) {
+// A step that fails ends its half of the build and leaves what it would
+// have replaced as it was, with no partial or temporary file beside it: a
+// refused overwrite ends it with 2, a release copy held open with 7 (its copy
+// deferred to a batch file), a copy that cannot be written with the error,
+// and the project then names no model that was not made. A dated name taken
+// by an earlier copy is no reason to stop: the copy takes the next free name.
+// The build is recorded once the after-build driver runs, whatever stops it.
+TEST(BuildChain, AStepThatCannotWriteItsFileEndsTheChain) {
+  const std::string model1Again = "C:\\Src\\Widgets\\bin\\Compat\\Widgets-2004.05.06-14.03.09 (2).dll";
   const struct {
-    const char* existing;
-    bool heldOpen;
-    const char* endedBy;
+    const char* name;
+    std::function<void(WorkflowWorld&)> arrange;
+    std::string endedBy;
+    std::string model;
     bool recorded;
   } cases[] = {
-      {kModel1, false, "lfncManageCompatEX=2", false},
-      {kModel1, true, "lfncManageCompatEX=7", false},
-      {"C:\\Release\\History\\Widgets-2004.05.06-14.03.09.dll", false, "lfncCopyToReleaseEX=2", true},
+      {"refused",
+       [](WorkflowWorld& w) {
+         w.options.BackupComponents.fill(0);
+         w.ui.QueueAnswer(mb::kCancel);
+       },
+       "lfncCopyToReleaseEX=2", kModel1, true},
+      {"held open", [](WorkflowWorld& w) { w.files().FailNext(FsOp::kRename, kRelease, 70); },
+       "lfncCopyToReleaseEX=7", kModel1, true},
+      {"disk full", [](WorkflowWorld& w) { w.files().FailNext(FsOp::kCopy, "", 61); }, "lfncManageCompatEX=61", "",
+       false},
+      {"name taken", [](WorkflowWorld& w) { w.files().AddFile(kModel1, "an older file", kFirstBuild); },
+       "lfncCopyToReleaseEX=0", model1Again, true},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
     WorkflowWorld w;
     w.SetEveryStep(1);
     w.options.TrackHistory = true;
     w.options.EnableDeferredActions = true;
-    w.files().AddFile(c.existing, "an older file", kFirstBuild);
     w.files().AddFile(kRelease, "the previous release", kFirstBuild);
-    c.heldOpen ? w.files().FailNext(FsOp::kDelete, c.existing, 70) : w.ui.QueueAnswer(mb::kCancel);
+    c.arrange(w);
+    const std::optional<std::string> earlierModel = w.files().Contents(kModel1);
     w.Build("1.0", kFirstBuild);
     EXPECT_EQ(w.Steps().back(), c.endedBy);
-    EXPECT_EQ(w.files().Contents(c.existing), "an older file");
-    EXPECT_EQ(w.files().Contents(kRelease), "the previous release");
-    EXPECT_EQ(w.project->CompatibleOleServer(), c.recorded ? kModel1 : "");
+    EXPECT_EQ(w.files().Contents(kModel1), c.model == kModel1 ? Widgets("1.0") : earlierModel);
+    EXPECT_EQ(w.files().Contents(kRelease), c.endedBy.ends_with("=0") ? Widgets("1.0") : "the previous release");
+    EXPECT_EQ(w.project->CompatibleOleServer(), c.model);
     EXPECT_EQ(w.sink->Report().historyRecorded, c.recorded);
+    for (const char* folder : {"C:\\Release\\~*", "C:\\Src\\Widgets\\bin\\Compat\\~*"})
+      EXPECT_TRUE(w.files().List(folder).value_or(std::vector<platform::DirEntry>{}).empty()) << folder;
   }
 
-  // A refused backup stops the comparison before the build.
+  // Before the build: a backup whose name is taken gets the next one; a
+  // backup that cannot be written stops the comparison.
   WorkflowWorld w;
   w.SetEveryStep(1);
   w.files().AddFile(kComponent, Widgets("1.0"), kFirstBuild);
   w.files().AddFile(kBackup1, "an older backup", kFirstBuild);
-  w.ui.QueueAnswer(mb::kCancel);
   ASSERT_TRUE(w.ide.FireRequestWriteFile(w.project, kComponent).ok());
-  EXPECT_EQ(w.Steps(), Strings{"lfncBackupComponentEX=2"});
+  w.files().FailNext(FsOp::kCopy, "", 70);
+  ASSERT_TRUE(w.ide.FireRequestWriteFile(w.project, kComponent).ok());
+  EXPECT_EQ(w.Steps(), (Strings{"lfncBackupComponentEX=0", "lfncCompBeforeEX=0", "lfncBackupComponentEX=70"}));
   EXPECT_EQ(w.files().Contents(kBackup1), "an older backup");
+  EXPECT_EQ(w.files().Contents("C:\\Src\\Widgets\\bin\\History\\Widgets-2004.05.06-14.03.09 (2).dll"),
+            Widgets("1.0"));
+  EXPECT_FALSE(w.files().Exists("C:\\Src\\Widgets\\bin\\History\\Widgets-2004.05.06-14.03.09 (3).dll"));
+  EXPECT_TRUE(w.ui.fileQuestions.empty());
 }
 
 TEST(BuildChain, ChosenFoldersComeBackOnTheNextBuild) {

@@ -52,6 +52,21 @@ TEST(SnapshotList, NothingIsPlacedOutsideTheSnapshotFolder) {
     EXPECT_EQ(place->outside, place->relative.starts_with("_outside")) << c.name;
   }
   EXPECT_EQ(PlaceInSnapshot("C:\\Src\\Widgets\\", "..\\Shared\\a.bas")->source, "C:\\Src\\Shared\\a.bas");
+
+  // Nor can the project's name or the date format make the folder's own
+  // name climb or descend.
+  const struct {
+    const char* project;
+    const char* time;
+    const char* folder;
+  } names[] = {
+      {"Widgets", "2004.05.06-14.03.09", "Widgets 2004.05.06-14.03.09"},
+      {"..\\..\\..\\outside\\evil", "/../../x", ".._.._.._outside_evil _.._.._x"},
+      {"C:", "14:03", "C_ 14_03"},
+      {"..", "", "__ "},
+      {".", ".", "_ _"},
+  };
+  for (const auto& n : names) EXPECT_EQ(SnapshotFolderName(n.project, n.time), n.folder) << n.project;
 }
 
 struct SnapshotWorld : WorkflowWorld {
@@ -91,20 +106,25 @@ TEST(Snapshot, AfterABuildSilentlyAndFromTheMenuWithCommentAndDependencies) {
   EXPECT_EQ(w.mainForm.lstFiles(),
             (Strings{"Widget.cls", "frmAbout.frm", "frmAbout.frx", "..\\Shared\\modShapes.bas"}));
 
-  // The menu's snapshot in the same second replaces the read-only copies.
+  // The menu's snapshot in the same second gets a folder of its own and
+  // leaves the first one's copies as they were.
+  const std::optional<std::string> first = w.files().Contents(folder + "Widget.cls");
   w.files().AddFile("C:\\Src\\Widgets\\Widget.cls", "VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Widget\"\r\n'v2\r\n");
   w.ui.QueueFileHandler({platform::mb::kYes, kSnapshot, std::nullopt, "Release 1.0", true, true});
   EXPECT_EQ(lfncSnapshotEX(*w.sink, true), 0);
-  EXPECT_EQ(w.files().Contents(folder + "Widget.cls"), w.files().Contents("C:\\Src\\Widgets\\Widget.cls"));
+  EXPECT_EQ(w.files().Contents(kSnapshot + std::string("Widget.cls")), first);
+  const std::string second = "C:\\Src\\Widgets\\Widgets 2004.05.06-14.03.09 (2)\\";
+  EXPECT_EQ(w.sink->Report().snapshotFolder, second);
+  EXPECT_EQ(w.files().Contents(second + "Widget.cls"), w.files().Contents("C:\\Src\\Widgets\\Widget.cls"));
   ASSERT_EQ(w.Captions(), Strings{"Create Snapshot?"});
   EXPECT_EQ(w.ui.fileQuestions[0].browsePathFooter, "Widgets 2004.05.06-14.03.09\\");
   EXPECT_EQ(w.ui.fileQuestions[0].commentText, "Project Snapshot Created: 5/6/2004 2:03:09 PM");
-  EXPECT_EQ(w.files().Contents(folder + "_Snapshot_ReadME.txt"), "Release 1.0\r\n");
-  EXPECT_EQ(*w.files().GetAttributes(folder + "_Snapshot_ReadME.txt"), 33u);
+  EXPECT_EQ(w.files().Contents(second + "_Snapshot_ReadME.txt"), "Release 1.0\r\n");
+  EXPECT_EQ(*w.files().GetAttributes(second + "_Snapshot_ReadME.txt"), 33u);
   // The missing reference and control are left out (a failed copy would
   // have made the answer an error number).
   for (const char* name : {"MSCOMCTL.OCX", "stdole2.tlb"})
-    EXPECT_TRUE(w.files().Exists(folder + "Dependencies\\" + name)) << name;
+    EXPECT_TRUE(w.files().Exists(second + "Dependencies\\" + name)) << name;
   EXPECT_TRUE(w.ui.boxes.empty());
 
   // Choices made beforehand (the command line's) are what the dialog shows,

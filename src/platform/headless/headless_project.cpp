@@ -174,10 +174,9 @@ rt::Status HeadlessProject::SaveAs(const std::string& fileName) {
 rt::Status HeadlessProject::WriteTo(const std::string& fileName) {
   const std::string temporary = rt::GetFolder(fileName) + "~" + rt::GetFileTitle(fileName) + ".tmp";
   rt::Status status = files_.WriteFile(temporary, Serialize());
-  if (status) {
-    status = files_.RenameReplace(temporary, fileName);
-    if (!status) (void)files_.DeleteFile(temporary);
-  }
+  if (status) status = files_.RenameReplace(temporary, fileName);
+  // A full disk leaves a part of the file written.
+  if (!status && files_.GetAttributes(temporary).ok()) (void)files_.DeleteFile(temporary);
   if (const auto events = events_.lock()) {
     const auto self = shared_from_this();
     const int16_t result = WriteResult(status);

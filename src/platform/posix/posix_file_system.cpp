@@ -26,6 +26,7 @@ struct PosixFileSystem::Item {
   std::string name;        // last component as stored
   std::string host;
   bool exists = false;
+  bool link = false;  // the item itself is a symbolic link
   struct stat st {};
 
   bool IsFolder() const { return S_ISDIR(st.st_mode); }
@@ -56,6 +57,14 @@ rt::Result<std::string> WalkFolders(const DriveLocation& location, size_t count,
   if (!IsHostFolder(location.hostRoot)) return PathError(errnum::kDiskNotReady, path);
   std::string folder = location.hostRoot;
   for (size_t i = 0; i < count; ++i) {
+    // A folder spelled as stored is the common case: one lstat settles it.
+    struct stat own {};
+    const std::string exact = JoinHost(folder, location.parts[i]);
+    if (lstat(exact.c_str(), &own) == 0 && S_ISDIR(own.st_mode)) {
+      folder = exact;
+      stored.push_back(location.parts[i]);
+      continue;
+    }
     const std::optional<std::string> found = FindEntry(folder, location.parts[i]);
     if (!found || !IsHostFolder(JoinHost(folder, *found))) return PathError(errnum::kPathNotFound, path);
     folder = JoinHost(folder, *found);
@@ -74,6 +83,28 @@ rt::Status WriteAll(int fd, std::string_view bytes, const std::string& path) {
   return {};
 }
 
+// Puts a file's bytes on the disk; 0 or the errno. Renaming an unflushed
+// file over another can leave an empty file after a power loss.
+int Flush(const std::string& host) {
+  const int fd = open(host.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return errno;
+  const int err = fsync(fd) == 0 ? 0 : errno;
+  close(fd);
+  return err;
+}
+
+rt::Status CopyBytes(int in, int out, const std::string& what) {
+  char buffer[65536];
+  for (;;) {
+    const ssize_t got = read(in, buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return ErrnoToVbError(errno, what);
+    if (got == 0) return {};
+    if (rt::Status written = WriteAll(out, std::string_view(buffer, static_cast<size_t>(got)), what); !written)
+      return written;
+  }
+}
+
 }  // namespace
 
 PosixFileSystem::PosixFileSystem(DriveMap drives) : drives_(std::move(drives)) {}
@@ -89,14 +120,23 @@ rt::Result<PosixFileSystem::Item> PosixFileSystem::Resolve(const std::string& pa
   Item item;
   item.folderHost = *folder;
   item.host = *folder;
+  struct stat own {};
+  bool asSpelled = false;  // `own` holds the lstat of item.host
   if (count > 0) {
     item.requested = location->parts.back();
-    item.name = FindEntry(*folder, item.requested).value_or(item.requested);
+    asSpelled = lstat(JoinHost(*folder, item.requested).c_str(), &own) == 0;
+    item.name = asSpelled ? item.requested : FindEntry(*folder, item.requested).value_or(item.requested);
     item.host = JoinHost(*folder, item.name);
     shown.parts.push_back(item.name);
   }
   item.windows = rt::JoinWinPath(shown);
+  if (asSpelled && !S_ISLNK(own.st_mode)) {
+    item.st = own;
+    item.exists = true;
+    return item;
+  }
   item.exists = stat(item.host.c_str(), &item.st) == 0;
+  item.link = (asSpelled || lstat(item.host.c_str(), &own) == 0) && S_ISLNK(own.st_mode);
   return item;
 }
 
@@ -113,9 +153,11 @@ rt::Result<std::string> PosixFileSystem::HostPath(const std::string& windowsPath
 }
 
 rt::Result<uint32_t> PosixFileSystem::GetAttributes(const std::string& path) const {
-  rt::Result<Item> item = ResolveExisting(path);
+  rt::Result<Item> item = Resolve(path);
   if (!item) return item.error();
-  return AttributesOf(item->st, item->name);
+  if (!item->exists && !item->link) return PathError(errnum::kFileNotFound, path);
+  const uint32_t attributes = item->exists ? AttributesOf(item->st, item->name) : platform::kAttrArchive;
+  return item->link ? attributes | platform::kAttrReparsePoint : attributes;
 }
 
 rt::Status PosixFileSystem::SetAttributes(const std::string& path, uint32_t attributes) {
@@ -213,6 +255,7 @@ rt::Status PosixFileSystem::RenameReplace(const std::string& from, const std::st
     else if (target->IsFolder()) return PathError(errnum::kPathFileAccessError, to);
     else if (target->IsReadOnly()) return PathError(errnum::kPermissionDenied, to);
   }
+  if (const int err = Flush(source->host); err != 0) return ErrnoToVbError(err, from);
   if (rename(source->host.c_str(), host.c_str()) != 0) return ErrnoToVbError(errno, from + " -> " + to);
   return {};
 }
@@ -237,6 +280,35 @@ rt::Status PosixFileSystem::CopyFile(const std::string& from, const std::string&
   const timespec times[2] = {{0, UTIME_OMIT}, source->st.st_mtim};
   if (utimensat(AT_FDCWD, target->host.c_str(), times, 0) != 0) return ErrnoToVbError(errno, to);
   return {};
+}
+
+rt::Status PosixFileSystem::CopyFileToNew(const std::string& from, const std::string& to) {
+  rt::Result<Item> source = ResolveExisting(from);
+  if (!source) return source.error();
+  if (source->IsFolder()) return PathError(errnum::kPathFileAccessError, from);
+  rt::Result<DriveLocation> location = drives_.Split(to);
+  if (!location) return location.error();
+  if (location->parts.empty() || location->trailingSlash) return PathError(errnum::kPathFileAccessError, to);
+  std::vector<std::string> stored;
+  rt::Result<std::string> folder = WalkFolders(*location, location->parts.size() - 1, to, stored);
+  if (!folder) return folder.error();
+  const std::string target = JoinHost(*folder, location->parts.back());
+  const int in = open(source->host.c_str(), O_RDONLY | O_CLOEXEC);
+  if (in < 0) return ErrnoToVbError(errno, from);
+  // O_EXCL with O_CREAT refuses any entry there, a dangling link included.
+  const int out = open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+  if (out < 0) {
+    const int err = errno;
+    close(in);
+    return ErrnoToVbError(err, to);
+  }
+  rt::Status status = CopyBytes(in, out, from + " -> " + to);
+  const timespec times[2] = {{0, UTIME_OMIT}, source->st.st_mtim};
+  if (status && (fchmod(out, source->st.st_mode & 07777) != 0 || futimens(out, times) != 0))
+    status = ErrnoToVbError(errno, to);
+  close(in);
+  if (close(out) != 0 && status) status = ErrnoToVbError(errno, to);
+  return status;
 }
 
 rt::Status PosixFileSystem::CreateDirectory(const std::string& path) {

@@ -6,7 +6,8 @@
 // keep the case they are given. Host names are taken as UTF-8.
 //
 // Attributes are derived, not stored: read-only is the owner's write bit,
-// hidden marks dot-files, and every file reports archive. Only the read-only
+// hidden marks dot-files, every file reports archive, and a symbolic link
+// adds reparse point. Only the read-only
 // bit can be set. Read-only files are refused as Windows refuses them, even
 // to a user (such as root) whom the host would let through.
 #include <string>
@@ -38,6 +39,7 @@ class PosixFileSystem : public platform::FileSystem {
   rt::Status DeleteFile(const std::string& path) override;
   rt::Status RenameReplace(const std::string& from, const std::string& to) override;
   rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override;
+  rt::Status CopyFileToNew(const std::string& from, const std::string& to) override;
   rt::Status CreateDirectory(const std::string& path) override;
   rt::Status RemoveDirectory(const std::string& path) override;
   rt::Status MakeSureDirectoryPathExists(const std::string& path) override;

@@ -75,7 +75,7 @@ bool IsReadOnlyFile(DWORD attributes) { return !IsFolder(attributes) && (attribu
 
 uint32_t Reported(DWORD attributes) {
   constexpr uint32_t kKept = platform::kAttrReadOnly | platform::kAttrHidden | platform::kAttrSystem |
-                             platform::kAttrDirectory | platform::kAttrArchive;
+                             platform::kAttrDirectory | platform::kAttrArchive | platform::kAttrReparsePoint;
   uint32_t reported = attributes & kKept;
   if (!IsFolder(attributes)) reported |= platform::kAttrArchive;
   return reported;
@@ -146,6 +146,23 @@ rt::Status RenameInPlace(const Path& source, const Path& target) {
   const DWORD error = GetLastError();
   MoveFileExW(detourWide.c_str(), source.wide.c_str(), MOVEFILE_WRITE_THROUGH);
   return Win32ToVbError(error, both);
+}
+
+// Puts a file's bytes on the disk before it is renamed into place, so that
+// a power loss leaves the old file or the new one, never an empty one.
+// Flushing needs write access, which a read-only file lends for the moment.
+rt::Status Flush(const Path& file, DWORD attributes) {
+  if (IsFolder(attributes)) return {};
+  const bool readOnly = IsReadOnlyFile(attributes);
+  if (readOnly && !SetFileAttributesW(file.wide.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY}))
+    return LastError(file.text);
+  DWORD error = ERROR_SUCCESS;
+  if (const Handle handle = Open(file, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                 OPEN_EXISTING);
+      !handle || !FlushFileBuffers(handle.get()))
+    error = GetLastError();
+  if (readOnly) (void)SetFileAttributesW(file.wide.c_str(), attributes);
+  return error == ERROR_SUCCESS ? rt::Status{} : rt::Status{Win32ToVbError(error, file.text)};
 }
 
 }  // namespace
@@ -260,6 +277,7 @@ rt::Status Win32FileSystem::RenameReplace(const std::string& from, const std::st
       destination = Wide(renamed);
     }
   }
+  if (rt::Status flushed = Flush(*source, data->dwFileAttributes); !flushed) return flushed;
   if (!MoveFileExW(source->wide.c_str(), destination.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
     return LastError(from + " -> " + to);
   return {};
@@ -283,6 +301,12 @@ rt::Status Win32FileSystem::CopyFile(const std::string& from, const std::string&
   if (!CopyFileW(source->wide.c_str(), target->wide.c_str(), failIfExists)) return LastError(from + " -> " + to);
   if (!SetFileAttributesW(target->wide.c_str(), Settable(data->dwFileAttributes))) return LastError(to);
   return {};
+}
+
+// Windows finds names in any letter case itself, and CopyFileW refuses a
+// link at the target when told to fail on an existing one.
+rt::Status Win32FileSystem::CopyFileToNew(const std::string& from, const std::string& to) {
+  return CopyFile(from, to, true);
 }
 
 rt::Status Win32FileSystem::CreateDirectory(const std::string& path) {

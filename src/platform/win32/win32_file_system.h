@@ -37,6 +37,7 @@ class Win32FileSystem : public platform::FileSystem {
   rt::Status DeleteFile(const std::string& path) override;
   rt::Status RenameReplace(const std::string& from, const std::string& to) override;
   rt::Status CopyFile(const std::string& from, const std::string& to, bool failIfExists) override;
+  rt::Status CopyFileToNew(const std::string& from, const std::string& to) override;
   rt::Status CreateDirectory(const std::string& path) override;
   rt::Status RemoveDirectory(const std::string& path) override;
   rt::Status MakeSureDirectoryPathExists(const std::string& path) override;
